@@ -1,0 +1,7 @@
+#include <vkSystem/vkCancelInterface.h>
+
+namespace vk {
+
+vkCancelInterface::~vkCancelInterface() = default;
+
+} // namespace vk

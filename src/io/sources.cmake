@@ -1,0 +1,2 @@
+target_sources(vkSvgObjects PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/Version.cpp)
