@@ -6,14 +6,8 @@ namespace vk {
 
 vkIoDevice::~vkIoDevice() = default;
 
-std::string vkIoDevice::errorString() const
-{
-    return mErrorString;
-}
+std::string vkIoDevice::errorString() const { return mErrorString; }
 
-void vkIoDevice::setErrorString(std::string text)
-{
-    mErrorString = std::move(text);
-}
+void vkIoDevice::setErrorString(std::string text) { mErrorString = std::move(text); }
 
 } // namespace vk

@@ -29,18 +29,15 @@ vkIoDeviceFileStream::vkIoDeviceFileStream(const std::string& fileName, Directio
     errno = 0;
     mFile = std::fopen(fileName.c_str(), mode);
     if (mFile == nullptr) {
-        setErrorString(describeErrno(direction == Direction::Read ? "Cannot open for reading" : "Cannot open for writing",
-                                     fileName, errno));
+        setErrorString(describeErrno(
+            direction == Direction::Read ? "Cannot open for reading" : "Cannot open for writing", fileName, errno));
         return;
     }
     if (!buffered)
         std::setvbuf(mFile, nullptr, _IONBF, 0);
 }
 
-vkIoDeviceFileStream::~vkIoDeviceFileStream()
-{
-    close();
-}
+vkIoDeviceFileStream::~vkIoDeviceFileStream() { close(); }
 
 bool vkIoDeviceFileStream::close()
 {
@@ -53,10 +50,7 @@ bool vkIoDeviceFileStream::close()
     return ok;
 }
 
-bool vkIoDeviceFileStream::isOpen() const
-{
-    return mFile != nullptr;
-}
+bool vkIoDeviceFileStream::isOpen() const { return mFile != nullptr; }
 
 int64_t vkIoDeviceFileStream::read(char* data, int64_t maxSize)
 {

@@ -27,8 +27,8 @@ std::shared_ptr<vkLog>& installedLog()
 void writeToStandardError(const vkLog::Entry& entry)
 {
     std::fprintf(stderr, "%lld [%llu] %s %s: %.*s\n", static_cast<long long>(entry.timeMs),
-                 static_cast<unsigned long long>(entry.threadId), entry.category.c_str(),
-                 vkLog::LevelName(entry.level), static_cast<int>(entry.text.size()), entry.text.data());
+                 static_cast<unsigned long long>(entry.threadId), entry.category.c_str(), vkLog::LevelName(entry.level),
+                 static_cast<int>(entry.text.size()), entry.text.data());
 }
 
 } // namespace

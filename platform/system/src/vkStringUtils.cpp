@@ -9,10 +9,7 @@ namespace vk {
 
 namespace {
 
-locale_t makeCLocale()
-{
-    return newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
-}
+locale_t makeCLocale() { return newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr)); }
 
 // Fixed notation of a double needs at most 309 integer digits, a sign and a
 // point; the stack buffer covers every precision the writers use, and larger
@@ -22,7 +19,8 @@ constexpr std::size_t kStackBuffer = 384;
 std::string formatChars(double value, std::chars_format format, int precision)
 {
     char stackBuffer[kStackBuffer];
-    std::to_chars_result result = std::to_chars(stackBuffer, stackBuffer + sizeof(stackBuffer), value, format, precision);
+    std::to_chars_result result =
+        std::to_chars(stackBuffer, stackBuffer + sizeof(stackBuffer), value, format, precision);
     if (result.ec == std::errc())
         return std::string(stackBuffer, result.ptr);
     std::vector<char> heapBuffer(kStackBuffer + static_cast<std::size_t>(precision));

@@ -23,8 +23,8 @@ std::string vkSystemUtils::GetCurrentDateTimeISO(bool utc)
         // strftime's %z gives +0100; ISO 8601's extended form wants +01:00.
         const long offset = parts.tm_gmtoff;
         const long magnitude = offset < 0 ? -offset : offset;
-        std::snprintf(text + length, sizeof(text) - length, "%c%02ld:%02ld", offset < 0 ? '-' : '+',
-                      magnitude / 3600, (magnitude % 3600) / 60);
+        std::snprintf(text + length, sizeof(text) - length, "%c%02ld:%02ld", offset < 0 ? '-' : '+', magnitude / 3600,
+                      (magnitude % 3600) / 60);
     }
     return text;
 }

@@ -24,8 +24,7 @@ public:
     // The value (widened to double) with `precision` digits after the point,
     // 6 when precision is negative. Never uses the process locale: the point
     // is always ".". NaN and infinities print as nan, inf and -inf.
-    template <class T>
-    static std::string fromFloatImpl(T value, int precision, FloatFormat format)
+    template <class T> static std::string fromFloatImpl(T value, int precision, FloatFormat format)
     {
         static_assert(std::is_floating_point_v<T>, "fromFloatImpl formats floating-point values");
         return fromDouble(static_cast<double>(value), precision, format);

@@ -27,8 +27,8 @@ public:
     // Exact component comparison, as for the other Wild Magic tuples.
     friend constexpr bool operator==(const ColorRGBA& a, const ColorRGBA& b)
     {
-        return a.mTuple[0] == b.mTuple[0] && a.mTuple[1] == b.mTuple[1] &&
-               a.mTuple[2] == b.mTuple[2] && a.mTuple[3] == b.mTuple[3];
+        return a.mTuple[0] == b.mTuple[0] && a.mTuple[1] == b.mTuple[1] && a.mTuple[2] == b.mTuple[2] &&
+               a.mTuple[3] == b.mTuple[3];
     }
     friend constexpr bool operator!=(const ColorRGBA& a, const ColorRGBA& b) { return !(a == b); }
 

@@ -1,0 +1,119 @@
+#ifndef VKSVG_RENDERINGPROPERTIES_H
+#define VKSVG_RENDERINGPROPERTIES_H
+
+#include <svg/Export.h>
+#include <svg/UnitValue.h>
+
+#include <wm4/Wm4ColorRGBA.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vk::svg {
+
+enum class LineCap : uint32_t {
+    Butt = 0,
+    Round = 1,
+    Square = 2,
+};
+
+enum class LineJoin : uint32_t {
+    Arcs = 0,
+    Bevel = 1,
+    Miter = 2,
+    MiterClip = 3,
+    Round = 4,
+};
+
+// Bits of the vector-effect set; an engaged set of 0 means "none".
+enum class VectorEffect : uint32_t {
+    NonScalingStroke = 1,
+    NonScalingSize = 2,
+    NonRotation = 4,
+    FixedPosition = 8,
+};
+
+// The presentation attributes of one item. Every field is optional: unset
+// means the attribute was absent, and cascadeParent fills it from the parent.
+// Paints stay text until a colour is asked for, so the source spelling
+// survives a load and save.
+class VKSVG_API RenderingProperties {
+public:
+    RenderingProperties() = default;
+
+    const std::optional<float>& getOpacity() const { return mOpacity; }
+    std::optional<float>& editOpacity() { return mOpacity; }
+    const std::optional<float>& getStrokeWidth() const { return mStrokeWidth; }
+    std::optional<float>& editStrokeWidth() { return mStrokeWidth; }
+    const std::optional<float>& getStrokeOpacity() const { return mStrokeOpacity; }
+    std::optional<float>& editStrokeOpacity() { return mStrokeOpacity; }
+    const std::optional<std::string>& getStroke() const { return mStroke; }
+    std::optional<std::string>& editStroke() { return mStroke; }
+    const std::optional<LineCap>& getStrokeLinecap() const { return mStrokeLinecap; }
+    std::optional<LineCap>& editStrokeLinecap() { return mStrokeLinecap; }
+    const std::optional<LineJoin>& getStrokeLinejoin() const { return mStrokeLinejoin; }
+    std::optional<LineJoin>& editStrokeLinejoin() { return mStrokeLinejoin; }
+    const std::optional<std::vector<UnitValue>>& getStrokeDasharray() const { return mStrokeDasharray; }
+    std::optional<std::vector<UnitValue>>& editStrokeDasharray() { return mStrokeDasharray; }
+    const std::optional<std::string>& getClassName() const { return mClassName; }
+    std::optional<std::string>& editClassName() { return mClassName; }
+    const std::optional<std::string>& getFill() const { return mFill; }
+    std::optional<std::string>& editFill() { return mFill; }
+    const std::optional<float>& getFillOpacity() const { return mFillOpacity; }
+    std::optional<float>& editFillOpacity() { return mFillOpacity; }
+    const std::optional<uint32_t>& getVectorEffect() const { return mVectorEffect; }
+    std::optional<uint32_t>& editVectorEffect() { return mVectorEffect; }
+
+    // Fills the unset fields from `parent`. Values are copied, never
+    // combined: opacity does not multiply down the tree. Opacity and class
+    // are inherited on purpose; vector effects never are.
+    void cascadeParent(const RenderingProperties& parent);
+
+    // False only for a fill of exactly "none" or a non-positive effective fill
+    // opacity; an unset fill means the default black fill.
+    bool hasFill() const;
+    // False for an unset stroke, a stroke of exactly "none" or a non-positive
+    // effective stroke opacity.
+    bool hasStroke() const;
+
+    // Unset paint: black with `opacity` clamped to [0, 1] as alpha. "none" or
+    // text that is no colour: transparent black. Otherwise the colour with
+    // its alpha times `opacity`, clamped to [0, 1].
+    static Wm4::ColorRGBA ParseColor(const std::optional<std::string>& paint, float opacity);
+    // Fill and stroke colours with fill-/stroke-opacity and opacity applied.
+    // An unset stroke yields black, so test hasStroke first.
+    Wm4::ColorRGBA parseFillColor() const;
+    Wm4::ColorRGBA parseStrokeColor() const;
+
+    friend bool operator==(const RenderingProperties& a, const RenderingProperties& b)
+    {
+        return a.mOpacity == b.mOpacity && a.mStrokeWidth == b.mStrokeWidth &&
+               a.mStrokeOpacity == b.mStrokeOpacity && a.mStroke == b.mStroke &&
+               a.mStrokeLinecap == b.mStrokeLinecap && a.mStrokeLinejoin == b.mStrokeLinejoin &&
+               a.mStrokeDasharray == b.mStrokeDasharray && a.mClassName == b.mClassName && a.mFill == b.mFill &&
+               a.mFillOpacity == b.mFillOpacity && a.mVectorEffect == b.mVectorEffect;
+    }
+    friend bool operator!=(const RenderingProperties& a, const RenderingProperties& b) { return !(a == b); }
+
+private:
+    float effectiveFillOpacity() const;
+    float effectiveStrokeOpacity() const;
+
+    std::optional<float> mOpacity;
+    std::optional<float> mStrokeWidth;
+    std::optional<float> mStrokeOpacity;
+    std::optional<std::string> mStroke;
+    std::optional<LineCap> mStrokeLinecap;
+    std::optional<LineJoin> mStrokeLinejoin;
+    std::optional<std::vector<UnitValue>> mStrokeDasharray;
+    std::optional<std::string> mClassName;
+    std::optional<std::string> mFill;
+    std::optional<float> mFillOpacity;
+    std::optional<uint32_t> mVectorEffect;
+};
+
+} // namespace vk::svg
+
+#endif

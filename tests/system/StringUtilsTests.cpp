@@ -1,0 +1,169 @@
+#include <vkSystem/vkStringUtils.h>
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <sstream>
+
+using vk::vkStringUtils;
+using Format = vkStringUtils::FloatFormat;
+
+TEST(FromFloat, FixedWithTrimmedZeros)
+{
+    struct Case {
+        float value;
+        int precision;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {0.5f, -1, "0.5"},
+        {2.0f, -1, "2"},
+        {0.0f, 6, "0"},
+        {1e-7f, -1, "0"},
+        {-1e-7f, -1, "-0"}, // the sign of a rounded-away value is kept here
+        {1234.5678f, -1, "1234.567749"},
+        {1e20f, -1, "100000002004087734272"},
+        {0.1f, -1, "0.1"},
+        {3.14159f, 2, "3.14"},
+        {2.5f, 2, "2.5"},
+        {-2.5f, 0, "-2"}, // round half to even, as printf does
+        {1.5f, 0, "2"},
+        {100.0f, 3, "100"},
+        {0.1f, 12, "0.10000000149"},
+        {std::numeric_limits<float>::infinity(), -1, "inf"},
+        {-std::numeric_limits<float>::infinity(), 2, "-inf"},
+        {std::numeric_limits<float>::quiet_NaN(), -1, "nan"},
+        {-std::numeric_limits<float>::quiet_NaN(), -1, "nan"},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(vkStringUtils::fromFloatImpl<float>(c.value, c.precision, Format::FixedTrimZeros), c.expected)
+            << c.value << " precision " << c.precision;
+}
+
+TEST(FromFloat, MatchesClassicLocaleStreamsForManyValues)
+{
+    // Property: fixed output equals what a classic-locale stream prints.
+    uint32_t state = 12345;
+    for (int i = 0; i < 2000; ++i) {
+        state = state * 1664525u + 1013904223u;
+        float value;
+        const uint32_t bits = (state & 0x7F7FFFFFu) | (i % 3 == 0 ? 0x80000000u : 0u);
+        std::memcpy(&value, &bits, sizeof(value));
+        const int precision = i % 9;
+        std::ostringstream stream;
+        stream.imbue(std::locale::classic());
+        stream.setf(std::ios::fixed, std::ios::floatfield);
+        stream.precision(precision);
+        stream << static_cast<double>(value);
+        EXPECT_EQ(vkStringUtils::fromFloatImpl<float>(value, precision, Format::Fixed), stream.str());
+    }
+}
+
+TEST(FromFloat, OtherFormatsAndHugePrecision)
+{
+    EXPECT_EQ(vkStringUtils::fromFloatImpl<float>(0.5f, 3, Format::Fixed), "0.500");
+    EXPECT_EQ(vkStringUtils::fromFloatImpl<double>(1234.5, 2, Format::Scientific), "1.23e+03");
+    // Beyond the stack buffer: 1e300 has 301 integer digits.
+    const std::string big = vkStringUtils::fromFloatImpl<double>(1e300, 200, Format::Fixed);
+    EXPECT_EQ(big.size(), 301u + 1u + 200u);
+    EXPECT_EQ(vkStringUtils::fromFloatImpl<double>(1e300, 200, Format::FixedTrimZeros).size(), 301u);
+}
+
+TEST(FromFloat, IgnoresTheProcessLocale)
+{
+    const char* previous = std::setlocale(LC_ALL, nullptr);
+    const std::string saved = previous ? previous : "C";
+    bool switched = false;
+    for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "ru_RU.UTF-8"})
+        if (std::setlocale(LC_ALL, name) != nullptr) {
+            switched = true;
+            break;
+        }
+    if (!switched)
+        GTEST_SKIP() << "no locale with a decimal comma is installed";
+    EXPECT_EQ(vkStringUtils::fromFloatImpl<float>(1.25f, 2, Format::FixedTrimZeros), "1.25");
+    char* end = nullptr;
+    EXPECT_EQ(strtof_l("2.5", &end, vkStringUtils::msCLocale), 2.5f);
+    EXPECT_EQ(*end, '\0');
+    std::setlocale(LC_ALL, saved.c_str());
+}
+
+TEST(FromInteger, WidthFillAndExtremes)
+{
+    EXPECT_EQ(vkStringUtils::fromInt64(0), "0");
+    EXPECT_EQ(vkStringUtils::fromInt64(-1, 1, '0'), "-1");
+    EXPECT_EQ(vkStringUtils::fromInt64(42, 5, '0'), "00042");
+    EXPECT_EQ(vkStringUtils::fromInt64(-42, 5, '0'), "-0042");
+    EXPECT_EQ(vkStringUtils::fromInt64(-42, 5, ' '), "  -42");
+    EXPECT_EQ(vkStringUtils::fromInt64(123456, 3, '0'), "123456");
+    EXPECT_EQ(vkStringUtils::fromInt64(std::numeric_limits<int64_t>::min()), "-9223372036854775808");
+    EXPECT_EQ(vkStringUtils::fromInt64(std::numeric_limits<int64_t>::max()), "9223372036854775807");
+    EXPECT_EQ(vkStringUtils::fromUInt64(std::numeric_limits<uint64_t>::max()), "18446744073709551615");
+    EXPECT_EQ(vkStringUtils::fromUInt64(7, 3, '*'), "**7");
+    EXPECT_EQ(vkStringUtils::fromUInt64(7, -4, '0'), "7");
+}
+
+TEST(Utf8, StrictValidation)
+{
+    struct Case {
+        std::string bytes;
+        bool valid;
+        const char* what;
+    };
+    const Case cases[] = {
+        {"", true, "empty"},
+        {"plain ascii", true, "ascii"},
+        {std::string("nul\0inside", 10), true, "NUL is a valid code point"},
+        {"\xC3\xA9", true, "U+00E9"},
+        {"\xE2\x82\xAC", true, "U+20AC"},
+        {"\xF0\x9F\x98\x80", true, "U+1F600"},
+        {"\xF4\x8F\xBF\xBF", true, "U+10FFFF"},
+        {"\xEF\xBB\xBF", true, "BOM"},
+        {"\xC0\xAF", false, "overlong slash"},
+        {"\xC1\xBF", false, "overlong two bytes"},
+        {"\xE0\x80\xAF", false, "overlong three bytes"},
+        {"\xF0\x8F\xBF\xBF", false, "overlong four bytes"},
+        {"\xED\xA0\x80", false, "high surrogate"},
+        {"\xED\xBF\xBF", false, "low surrogate"},
+        {"\xF4\x90\x80\x80", false, "above U+10FFFF"},
+        {"\xF8\x88\x80\x80\x80", false, "five-byte form"},
+        {"\xFF", false, "0xFF"},
+        {"\x80", false, "lone continuation"},
+        {"\xC3", false, "truncated two bytes"},
+        {"\xE2\x82", false, "truncated three bytes"},
+        {"ok\xF0\x9F\x98", false, "truncated at the end"},
+        {"\xC3(", false, "bad continuation"},
+        {"caf\xE9", false, "Latin-1 byte"},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(vkStringUtils::IsUtf8String(c.bytes), c.valid) << c.what;
+}
+
+TEST(Utf8, EveryCodePointEncodesValidly)
+{
+    // Property: the encoding of every scalar value passes, every surrogate fails.
+    for (uint32_t cp = 0; cp <= 0x10FFFF; cp += (cp < 0x3000 ? 1 : 97)) {
+        std::string s;
+        if (cp < 0x80) {
+            s += static_cast<char>(cp);
+        } else if (cp < 0x800) {
+            s += static_cast<char>(0xC0 | (cp >> 6));
+            s += static_cast<char>(0x80 | (cp & 0x3F));
+        } else if (cp < 0x10000) {
+            s += static_cast<char>(0xE0 | (cp >> 12));
+            s += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+            s += static_cast<char>(0x80 | (cp & 0x3F));
+        } else {
+            s += static_cast<char>(0xF0 | (cp >> 18));
+            s += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
+            s += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+            s += static_cast<char>(0x80 | (cp & 0x3F));
+        }
+        const bool surrogate = cp >= 0xD800 && cp <= 0xDFFF;
+        EXPECT_EQ(vkStringUtils::IsUtf8String(s), !surrogate) << std::hex << cp;
+    }
+}
