@@ -89,11 +89,11 @@ public:
 
     friend bool operator==(const RenderingProperties& a, const RenderingProperties& b)
     {
-        return a.mOpacity == b.mOpacity && a.mStrokeWidth == b.mStrokeWidth &&
-               a.mStrokeOpacity == b.mStrokeOpacity && a.mStroke == b.mStroke &&
-               a.mStrokeLinecap == b.mStrokeLinecap && a.mStrokeLinejoin == b.mStrokeLinejoin &&
-               a.mStrokeDasharray == b.mStrokeDasharray && a.mClassName == b.mClassName && a.mFill == b.mFill &&
-               a.mFillOpacity == b.mFillOpacity && a.mVectorEffect == b.mVectorEffect;
+        return a.mOpacity == b.mOpacity && a.mStrokeWidth == b.mStrokeWidth && a.mStrokeOpacity == b.mStrokeOpacity &&
+               a.mStroke == b.mStroke && a.mStrokeLinecap == b.mStrokeLinecap &&
+               a.mStrokeLinejoin == b.mStrokeLinejoin && a.mStrokeDasharray == b.mStrokeDasharray &&
+               a.mClassName == b.mClassName && a.mFill == b.mFill && a.mFillOpacity == b.mFillOpacity &&
+               a.mVectorEffect == b.mVectorEffect;
     }
     friend bool operator!=(const RenderingProperties& a, const RenderingProperties& b) { return !(a == b); }
 
