@@ -1,0 +1,26 @@
+#ifndef VKSVG_VKSVG_H
+#define VKSVG_VKSVG_H
+
+// Everything a host needs: the public API of libvkSvg and the platform
+// types that it uses.
+
+#include <svg/Export.h>
+
+#include <svg/BoundingBox.h>
+#include <svg/Color.h>
+#include <svg/Options.h>
+#include <svg/RenderingProperties.h>
+#include <svg/UnitValue.h>
+#include <svg/Version.h>
+
+#include <vkSystem/vkCancelInterface.h>
+#include <vkSystem/vkIoDevice.h>
+#include <vkSystem/vkIoDeviceFileStream.h>
+#include <vkSystem/vkIoDeviceMemory.h>
+#include <vkSystem/vkLog.h>
+#include <vkSystem/vkProgressNotifierInterface.h>
+#include <vkSystem/vkSoftwareVersion.h>
+
+#include <wm4/Wm4.h>
+
+#endif
