@@ -13,10 +13,7 @@ using vk::vkIoDeviceMemory;
 
 namespace {
 
-std::string tempPath(const std::string& stem)
-{
-    return testing::TempDir() + stem + "." + std::to_string(::getpid());
-}
+std::string tempPath(const std::string& stem) { return testing::TempDir() + stem + "." + std::to_string(::getpid()); }
 
 std::string readAll(vkIoDevice& device, int64_t chunk)
 {
@@ -41,8 +38,10 @@ TEST(FileStream, FailedOpensLeaveTheDeviceClosedWithTheReason)
         std::string expectedStart;
     };
     const Case cases[] = {
-        {"/nonexistent-dir/none.svg", vkIoDevice::Direction::Read, "Cannot open for reading '/nonexistent-dir/none.svg'"},
-        {"/nonexistent-dir/out.svg", vkIoDevice::Direction::Write, "Cannot open for writing '/nonexistent-dir/out.svg'"},
+        {"/nonexistent-dir/none.svg", vkIoDevice::Direction::Read,
+         "Cannot open for reading '/nonexistent-dir/none.svg'"},
+        {"/nonexistent-dir/out.svg", vkIoDevice::Direction::Write,
+         "Cannot open for writing '/nonexistent-dir/out.svg'"},
         {testing::TempDir(), vkIoDevice::Direction::Write, "Cannot open for writing"},
     };
     for (const Case& c : cases) {

@@ -24,8 +24,8 @@ bool hasShape(const std::string& text, const std::string& pattern)
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char p = pattern[i];
         const char t = text[i];
-        const bool ok = p == '9' ? std::isdigit(static_cast<unsigned char>(t)) != 0
-                                 : (p == '+' ? (t == '+' || t == '-') : t == p);
+        const bool ok =
+            p == '9' ? std::isdigit(static_cast<unsigned char>(t)) != 0 : (p == '+' ? (t == '+' || t == '-') : t == p);
         if (!ok)
             return false;
     }
