@@ -44,7 +44,9 @@ public:
     virtual bool endElement(const char* name);
     // Character data, in one or more pieces; not NUL-terminated.
     virtual bool characters(const char* data, int length);
-    // A message of the XML parser, with a Severity; Warning is 4.
+    // A message of the XML parser, with a Severity. True lets the parse go
+    // on where it can (see ParseXmlStream); the default accepts warnings
+    // only.
     virtual bool parserMessage(const std::string& text, int severity);
 };
 
