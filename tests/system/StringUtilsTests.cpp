@@ -167,3 +167,21 @@ TEST(Utf8, EveryCodePointEncodesValidly)
         EXPECT_EQ(vkStringUtils::IsUtf8String(s), !surrogate) << std::hex << cp;
     }
 }
+
+TEST(FromFloat, BufferAndAppendFormsAgreeWithTheStringForm)
+{
+    const std::string expected = vkStringUtils::fromFloatImpl<float>(-1234.5f, 3, Format::FixedTrimZeros);
+    char buffer[16];
+    EXPECT_EQ(vkStringUtils::formatFloat(buffer, sizeof(buffer), -1234.5f, 3, Format::FixedTrimZeros),
+              expected.size());
+    EXPECT_EQ(std::string(buffer), expected);
+    // Too small for the text and its terminator: nothing is written.
+    EXPECT_EQ(vkStringUtils::formatFloat(buffer, expected.size(), -1234.5f, 3, Format::FixedTrimZeros), 0u);
+    EXPECT_EQ(buffer[0], '\0');
+    EXPECT_EQ(vkStringUtils::formatFloat(buffer, 0, 1.0f, 3, Format::Fixed), 0u);
+
+    std::string out = "x=";
+    vkStringUtils::appendFloat(out, 1e300, 40, Format::FixedTrimZeros); // beyond the stack buffer
+    EXPECT_EQ(out, "x=" + vkStringUtils::fromFloatImpl<double>(1e300, 40, Format::FixedTrimZeros));
+    EXPECT_EQ(out.size(), 2u + 301u);
+}

@@ -16,28 +16,31 @@ locale_t makeCLocale() { return newlocale(LC_ALL_MASK, "C", static_cast<locale_t
 // precisions fall back to the heap.
 constexpr std::size_t kStackBuffer = 384;
 
-std::string formatChars(double value, std::chars_format format, int precision)
+// Writes into [first, last) and returns the end, or null when it did not fit.
+char* formatInto(char* first, char* last, double value, int precision, vkStringUtils::FloatFormat format)
 {
-    char stackBuffer[kStackBuffer];
-    std::to_chars_result result =
-        std::to_chars(stackBuffer, stackBuffer + sizeof(stackBuffer), value, format, precision);
-    if (result.ec == std::errc())
-        return std::string(stackBuffer, result.ptr);
-    std::vector<char> heapBuffer(kStackBuffer + static_cast<std::size_t>(precision));
-    result = std::to_chars(heapBuffer.data(), heapBuffer.data() + heapBuffer.size(), value, format, precision);
-    return std::string(heapBuffer.data(), result.ptr);
-}
-
-void trimFractionZeros(std::string& text)
-{
-    if (text.find('.') == std::string::npos)
-        return;
-    std::size_t end = text.size();
-    while (end > 0 && text[end - 1] == '0')
-        --end;
-    if (end > 0 && text[end - 1] == '.')
-        --end;
-    text.resize(end);
+    if (precision < 0)
+        precision = 6;
+    // to_chars spells NaN "nan" or "-nan"; a sign on NaN means nothing.
+    if (std::isnan(value)) {
+        if (last - first < 3)
+            return nullptr;
+        std::memcpy(first, "nan", 3);
+        return first + 3;
+    }
+    const std::chars_format chars =
+        format == vkStringUtils::FloatFormat::Scientific ? std::chars_format::scientific : std::chars_format::fixed;
+    const std::to_chars_result result = std::to_chars(first, last, value, chars, precision);
+    if (result.ec != std::errc())
+        return nullptr;
+    char* end = result.ptr;
+    if (format == vkStringUtils::FloatFormat::FixedTrimZeros && std::memchr(first, '.', end - first) != nullptr) {
+        while (end > first && end[-1] == '0')
+            --end;
+        if (end > first && end[-1] == '.')
+            --end;
+    }
+    return end;
 }
 
 std::string pad(std::string digits, bool negative, int minWidth, char fill)
@@ -66,24 +69,35 @@ const std::locale vkStringUtils::msCplusLocale = std::locale::classic();
 
 std::string vkStringUtils::fromDouble(double value, int precision, FloatFormat format)
 {
-    if (precision < 0)
-        precision = 6;
-    // to_chars spells these "nan", "-nan", "inf", "-inf"; a sign on NaN means
-    // nothing to a reader.
-    if (std::isnan(value))
-        return "nan";
-    switch (format) {
-    case FloatFormat::Scientific:
-        return formatChars(value, std::chars_format::scientific, precision);
-    case FloatFormat::FixedTrimZeros: {
-        std::string text = formatChars(value, std::chars_format::fixed, precision);
-        trimFractionZeros(text);
-        return text;
+    std::string text;
+    appendFloat(text, value, precision, format);
+    return text;
+}
+
+void vkStringUtils::appendFloat(std::string& out, double value, int precision, FloatFormat format)
+{
+    char stackBuffer[kStackBuffer];
+    if (char* end = formatInto(stackBuffer, stackBuffer + sizeof(stackBuffer), value, precision, format)) {
+        out.append(stackBuffer, end);
+        return;
     }
-    case FloatFormat::Fixed:
-    default:
-        return formatChars(value, std::chars_format::fixed, precision);
+    std::vector<char> heapBuffer(kStackBuffer + static_cast<std::size_t>(precision > 0 ? precision : 0));
+    char* end = formatInto(heapBuffer.data(), heapBuffer.data() + heapBuffer.size(), value, precision, format);
+    out.append(heapBuffer.data(), end != nullptr ? end : heapBuffer.data());
+}
+
+std::size_t vkStringUtils::formatFloat(char* buffer, std::size_t size, double value, int precision,
+                                       FloatFormat format)
+{
+    if (size == 0)
+        return 0;
+    char* end = formatInto(buffer, buffer + size - 1, value, precision, format);
+    if (end == nullptr) {
+        buffer[0] = '\0';
+        return 0;
     }
+    *end = '\0';
+    return static_cast<std::size_t>(end - buffer);
 }
 
 std::string vkStringUtils::fromInt64(int64_t value, int minWidth, char fill)

@@ -30,6 +30,14 @@ public:
         return fromDouble(static_cast<double>(value), precision, format);
     }
 
+    // The same text as fromFloatImpl, appended to `out`; no allocation
+    // beyond what `out` needs to grow.
+    static void appendFloat(std::string& out, double value, int precision, FloatFormat format);
+
+    // Writes the text of fromFloatImpl into buffer (NUL-terminated) and
+    // returns its length, or 0 when it does not fit; never allocates.
+    static std::size_t formatFloat(char* buffer, std::size_t size, double value, int precision, FloatFormat format);
+
     // Decimal digits, left-padded with `fill` to at least minWidth characters.
     // A "0" fill goes between the sign and the digits, as printf does.
     static std::string fromInt64(int64_t value, int minWidth = 1, char fill = '0');
