@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds everything with AddressSanitizer and UBSan
-# (warnings are errors), runs every test, then installs the library and
-# builds and runs the example host against the installed package.
+# (warnings are errors), runs every test, replays the fuzzers' seed corpora
+# (a clang build), then installs the library and builds and runs the example
+# host against the installed package.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/deps.sh
@@ -19,6 +20,12 @@ cmake --build "$build" -j"$jobs"
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 ctest --test-dir "$build" --output-on-failure -j"$jobs"
+
+fuzz=build-fuzz
+cmake -S . -B "$fuzz" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMPILER=clang-14 -DCMAKE_CXX_COMPILER=clang++-14 \
+  -DVKSVG_FUZZ=ON -DVKSVG_WERROR=ON -DVKSVG_BUILD_TESTS=OFF -DVKSVG_BUILD_TOOLS=OFF
+cmake --build "$fuzz" -j"$jobs"
+ctest --test-dir "$fuzz" --output-on-failure -j"$jobs"
 
 prefix="$PWD/$build/prefix"
 rm -rf "$prefix"

@@ -11,7 +11,13 @@
 #include <string>
 #include <vector>
 
+namespace vk::xml {
+class XmlSaveContext;
+}
+
 namespace vk::svg {
+
+struct SaveOptions;
 
 enum class LineCap : uint32_t {
     Butt = 0,
@@ -86,6 +92,10 @@ public:
     // An unset stroke yields black, so test hasStroke first.
     Wm4::ColorRGBA parseFillColor() const;
     Wm4::ColorRGBA parseStrokeColor() const;
+
+    // Writes the set fields as presentation attributes, stopping at the first
+    // failure.
+    bool writeAttributes(vk::xml::XmlSaveContext& context, const SaveOptions& options) const;
 
     friend bool operator==(const RenderingProperties& a, const RenderingProperties& b)
     {

@@ -1,2 +1,4 @@
 target_sources(vkSvgObjects PRIVATE
-  ${CMAKE_CURRENT_LIST_DIR}/Version.cpp)
+  ${CMAKE_CURRENT_LIST_DIR}/Version.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/vkCoreSvgIODriver.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/vkSvgIOManager.cpp)

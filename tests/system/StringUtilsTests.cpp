@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <charconv>
 #include <clocale>
 #include <cmath>
 #include <cstdlib>
@@ -184,4 +185,38 @@ TEST(FromFloat, BufferAndAppendFormsAgreeWithTheStringForm)
     vkStringUtils::appendFloat(out, 1e300, 100, Format::FixedTrimZeros); // beyond the stack buffer
     EXPECT_EQ(out, "x=" + vkStringUtils::fromFloatImpl<double>(1e300, 100, Format::FixedTrimZeros));
     EXPECT_EQ(out.size(), 2u + 301u);
+}
+
+TEST(FromFloat, ExactRoundingMatchesToCharsIncludingTies)
+{
+    // Dyadic fractions are exact in binary, so many of them sit exactly
+    // half-way at some precision: the rounding must go to the even digit.
+    char expected[512];
+    for (int denominatorBits = 0; denominatorBits <= 12; ++denominatorBits)
+        for (int numerator = -3000; numerator <= 3000; numerator += 7) {
+            const double value = std::ldexp(static_cast<double>(numerator), -denominatorBits);
+            for (int precision = 0; precision <= 13; ++precision) {
+                const auto result =
+                    std::to_chars(expected, expected + sizeof(expected), value, std::chars_format::fixed, precision);
+                std::string text(expected, result.ptr);
+                ASSERT_EQ(vkStringUtils::fromFloatImpl<double>(value, precision, Format::Fixed), text)
+                    << value << " @" << precision;
+                if (text.find('.') != std::string::npos) {
+                    text.erase(text.find_last_not_of('0') + 1);
+                    if (text.back() == '.')
+                        text.pop_back();
+                }
+                ASSERT_EQ(vkStringUtils::fromFloatImpl<double>(value, precision, Format::FixedTrimZeros), text)
+                    << value << " @" << precision;
+            }
+        }
+    // Magnitudes across the float range, subnormals included.
+    for (int exponent = -149; exponent <= 127; ++exponent)
+        for (float mantissa : {1.0f, 1.5f, 1.9999999f}) {
+            const float value = std::ldexp(mantissa, exponent);
+            const auto result = std::to_chars(expected, expected + sizeof(expected), static_cast<double>(value),
+                                              std::chars_format::fixed, 6);
+            ASSERT_EQ(vkStringUtils::fromFloatImpl<float>(value, 6, Format::Fixed), std::string(expected, result.ptr))
+                << value;
+        }
 }

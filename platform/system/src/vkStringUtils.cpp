@@ -16,6 +16,190 @@ locale_t makeCLocale() { return newlocale(LC_ALL_MASK, "C", static_cast<locale_t
 // precisions fall back to the heap.
 constexpr std::size_t kStackBuffer = 384;
 
+constexpr uint64_t kPowersOfTen[] = {1ULL,           10ULL,           100ULL,          1000ULL,      10000ULL,
+                                     100000ULL,      1000000ULL,      10000000ULL,     100000000ULL, 1000000000ULL,
+                                     10000000000ULL, 100000000000ULL, 1000000000000ULL};
+constexpr int kFastMaxPrecision = 12;
+
+// GCC and clang's 128-bit integer; __extension__ keeps -Wpedantic quiet.
+__extension__ typedef unsigned __int128 u128;
+
+// units / 10^precision and its remainder, with the divisor a constant so
+// that the compiler turns the division into a multiplication.
+template <uint64_t Divisor> void splitUnits(uint64_t units, uint64_t& quotient, uint64_t& remainder)
+{
+    quotient = units / Divisor;
+    remainder = units - quotient * Divisor;
+}
+
+void splitAtPrecision(uint64_t units, int precision, uint64_t& integerPart, uint64_t& fraction)
+{
+    switch (precision) {
+    case 0:
+        integerPart = units;
+        fraction = 0;
+        return;
+    case 1:
+        return splitUnits<10ULL>(units, integerPart, fraction);
+    case 2:
+        return splitUnits<100ULL>(units, integerPart, fraction);
+    case 3:
+        return splitUnits<1000ULL>(units, integerPart, fraction);
+    case 4:
+        return splitUnits<10000ULL>(units, integerPart, fraction);
+    case 5:
+        return splitUnits<100000ULL>(units, integerPart, fraction);
+    case 6:
+        return splitUnits<1000000ULL>(units, integerPart, fraction);
+    case 7:
+        return splitUnits<10000000ULL>(units, integerPart, fraction);
+    case 8:
+        return splitUnits<100000000ULL>(units, integerPart, fraction);
+    case 9:
+        return splitUnits<1000000000ULL>(units, integerPart, fraction);
+    case 10:
+        return splitUnits<10000000000ULL>(units, integerPart, fraction);
+    case 11:
+        return splitUnits<100000000000ULL>(units, integerPart, fraction);
+    default:
+        return splitUnits<1000000000000ULL>(units, integerPart, fraction);
+    }
+}
+
+constexpr char kDigitPairs[] = "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+                               "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+                               "8081828384858687888990919293949596979899";
+
+int countDigits(uint64_t value)
+{
+    int digits = 1;
+    for (uint64_t bound = 10; digits < 20 && value >= bound; bound *= 10)
+        ++digits;
+    return digits;
+}
+
+// Writes exactly `digits` decimal digits of value, with leading zeros.
+// 32-bit arithmetic where it suffices: its divisions are cheaper.
+template <class Unsigned> void writeDigitsOf(char* out, Unsigned value, int digits)
+{
+    while (digits >= 2) {
+        const std::size_t pair = static_cast<std::size_t>(value % 100) * 2;
+        value /= 100;
+        digits -= 2;
+        out[digits] = kDigitPairs[pair];
+        out[digits + 1] = kDigitPairs[pair + 1];
+    }
+    if (digits == 1)
+        out[0] = static_cast<char>('0' + value % 10);
+}
+
+void writeDigits(char* out, uint64_t value, int digits)
+{
+    if (value <= UINT32_MAX)
+        writeDigitsOf(out, static_cast<uint32_t>(value), digits);
+    else
+        writeDigitsOf(out, value, digits);
+}
+
+// value * 10^precision rounded half to even, where value = mantissa * 2^exponent.
+// False when the result does not fit 64 bits.
+bool scaleExactly(uint64_t mantissa, int exponent, int precision, uint64_t& units)
+{
+    // Most numbers are floats widened to double: after dropping the
+    // mantissa's trailing zero bits everything fits 64-bit arithmetic.
+    if (mantissa != 0) {
+        const int zeros = __builtin_ctzll(mantissa);
+        mantissa >>= zeros;
+        exponent += zeros;
+    }
+    const uint64_t power = kPowersOfTen[precision];
+    if (mantissa < (1ULL << 24) && precision <= 9 && exponent > -64) {
+        const uint64_t scaled = mantissa * power; // below 2^54
+        if (exponent >= 0) {
+            if (exponent >= 64 || scaled > (UINT64_MAX >> exponent))
+                return false;
+            units = scaled << exponent;
+            return true;
+        }
+        const int shift = -exponent;
+        units = scaled >> shift;
+        const uint64_t remainder = scaled - (units << shift);
+        const uint64_t half = 1ULL << (shift - 1);
+        if (remainder > half || (remainder == half && (units & 1) != 0))
+            ++units;
+        return true;
+    }
+    const u128 scaled = static_cast<u128>(mantissa) * power; // below 2^93
+    u128 rounded;
+    if (exponent >= 0) {
+        if (exponent > 30)
+            return false;
+        rounded = scaled << exponent;
+    } else if (exponent <= -128) {
+        rounded = 0; // less than half a unit of the last digit
+    } else {
+        const int shift = -exponent;
+        rounded = scaled >> shift;
+        const u128 remainder = scaled - (rounded << shift);
+        const u128 half = static_cast<u128>(1) << (shift - 1);
+        if (remainder > half || (remainder == half && (rounded & 1) != 0))
+            ++rounded;
+    }
+    if (rounded > static_cast<u128>(UINT64_MAX))
+        return false;
+    units = static_cast<uint64_t>(rounded);
+    return true;
+}
+
+// Fixed notation by exact integer arithmetic: the value is m * 2^e, so
+// value * 10^p rounded half to even is (m * 10^p) >> -e with the remainder
+// deciding the rounding, exactly as printf rounds the exact binary value.
+// Several times faster than to_chars for the writer's typical numbers.
+// Returns null, writing nothing, when the value is out of its range.
+char* formatFixedExact(char* first, char* last, double value, int precision, bool trimZeros)
+{
+    if (precision > kFastMaxPrecision || last - first < 40)
+        return nullptr;
+    uint64_t bits;
+    std::memcpy(&bits, &value, sizeof(bits));
+    const bool negative = (bits >> 63) != 0;
+    const int biased = static_cast<int>((bits >> 52) & 0x7FF);
+    if (biased == 0x7FF)
+        return nullptr; // infinities
+    uint64_t mantissa = bits & ((1ULL << 52) - 1);
+    int exponent = -1074;
+    if (biased != 0) {
+        mantissa |= 1ULL << 52;
+        exponent = biased - 1075;
+    }
+    uint64_t units;
+    if (!scaleExactly(mantissa, exponent, precision, units))
+        return nullptr;
+    uint64_t integerPart;
+    uint64_t fraction;
+    splitAtPrecision(units, precision, integerPart, fraction);
+
+    char* out = first;
+    if (negative)
+        *out++ = '-';
+    const int integerDigits = countDigits(integerPart);
+    writeDigits(out, integerPart, integerDigits);
+    out += integerDigits;
+    if (precision > 0) {
+        *out = '.';
+        writeDigits(out + 1, fraction, precision);
+        char* end = out + 1 + precision;
+        if (trimZeros) {
+            while (end > out + 1 && end[-1] == '0')
+                --end;
+            if (end == out + 1)
+                end = out; // no fraction left: no point either
+        }
+        out = end;
+    }
+    return out;
+}
+
 // Writes into [first, last) and returns the end, or null when it did not fit.
 char* formatInto(char* first, char* last, double value, int precision, vkStringUtils::FloatFormat format)
 {
@@ -28,12 +212,20 @@ char* formatInto(char* first, char* last, double value, int precision, vkStringU
         std::memcpy(first, "nan", 3);
         return first + 3;
     }
-    const std::chars_format chars =
-        format == vkStringUtils::FloatFormat::Scientific ? std::chars_format::scientific : std::chars_format::fixed;
-    const std::to_chars_result result = std::to_chars(first, last, value, chars, precision);
-    if (result.ec != std::errc())
+    char* end = nullptr;
+    if (format == vkStringUtils::FloatFormat::Scientific) {
+        const std::to_chars_result result = std::to_chars(first, last, value, std::chars_format::scientific, precision);
+        end = result.ec == std::errc() ? result.ptr : nullptr;
+    } else {
+        const bool trimZeros = format == vkStringUtils::FloatFormat::FixedTrimZeros;
+        end = formatFixedExact(first, last, value, precision, trimZeros);
+        if (end != nullptr)
+            return end;
+        const std::to_chars_result result = std::to_chars(first, last, value, std::chars_format::fixed, precision);
+        end = result.ec == std::errc() ? result.ptr : nullptr;
+    }
+    if (end == nullptr)
         return nullptr;
-    char* end = result.ptr;
     if (format == vkStringUtils::FloatFormat::FixedTrimZeros && std::memchr(first, '.', end - first) != nullptr) {
         while (end > first && end[-1] == '0')
             --end;
@@ -86,8 +278,7 @@ void vkStringUtils::appendFloat(std::string& out, double value, int precision, F
     out.append(heapBuffer.data(), end != nullptr ? end : heapBuffer.data());
 }
 
-std::size_t vkStringUtils::formatFloat(char* buffer, std::size_t size, double value, int precision,
-                                       FloatFormat format)
+std::size_t vkStringUtils::formatFloat(char* buffer, std::size_t size, double value, int precision, FloatFormat format)
 {
     if (size == 0)
         return 0;

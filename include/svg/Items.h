@@ -1,0 +1,336 @@
+#ifndef VKSVG_ITEMS_H
+#define VKSVG_ITEMS_H
+
+#include <svg/BoundingBox.h>
+#include <svg/Export.h>
+#include <svg/Options.h>
+#include <svg/PathCommand.h>
+#include <svg/RenderingProperties.h>
+#include <svg/UnitValue.h>
+
+#include <wm4/Wm4Matrix3.h>
+#include <wm4/Wm4Vector2.h>
+
+#include <cstdint>
+#include <list>
+#include <memory>
+#include <optional>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+namespace vk::xml {
+class XmlSaveContext;
+}
+
+namespace vk::svg {
+
+// The concrete class of an item. Code that walks a tree switches on it and
+// casts statically; values outside 0 to 7 are unknown items and skipped.
+enum class ItemType : uint32_t {
+    Document = 0, // written as "svg"
+    Node = 1,     // "g"
+    Line = 2,
+    Rect = 3,
+    Circle = 4,
+    Path = 5,
+    Text = 6,
+    Image = 7,
+};
+
+// The alignment of an image's preserveAspectRatio attribute; meet or slice
+// is not kept.
+enum class PreserveAspectRatio : uint32_t {
+    None = 0,
+    XMinYMin = 1,
+    XMidYMin = 2,
+    XMaxYMin = 3,
+    XMinYMid = 4,
+    XMidYMid = 5,
+    XMaxYMid = 6,
+    XMinYMax = 7,
+    XMidYMax = 8,
+    XMaxYMax = 9,
+};
+
+// The library's shared owning pointer to an item of class T: a
+// std::shared_ptr<T> in every respect, usable wherever one is expected.
+template <class T> class ItemInterfacePointer : public std::shared_ptr<T> {
+public:
+    using std::shared_ptr<T>::shared_ptr;
+    ItemInterfacePointer() noexcept = default;
+    ItemInterfacePointer(std::shared_ptr<T> pointer) noexcept : std::shared_ptr<T>(std::move(pointer)) {}
+};
+
+class Document;
+
+// The base of every item: its type, own transform, id and presentation
+// attributes, and the hooks through which it writes itself and reports its
+// extent.
+class VKSVG_API ItemInterface {
+public:
+    virtual ~ItemInterface();
+
+    // Closes the element that beginWriteAsXml opened.
+    virtual bool endWriteAsXml(vk::xml::XmlSaveContext& context, const SaveOptions& options) const;
+    // Sets `box` to the item's own extent under `matrix` (children are not
+    // included) and returns whether it has one.
+    virtual bool computeEstimatedBoundingVolume(BoundingBox& box, const Wm4::Matrix3<float>& matrix) const = 0;
+    // Starts the element and writes the item's own attributes.
+    virtual bool beginWriteAsXmlImplPre(vk::xml::XmlSaveContext& context, const SaveOptions& options) const = 0;
+    // Writes what follows the common attributes; nothing by default.
+    virtual bool beginWriteAsXmlImplPost(vk::xml::XmlSaveContext& context, const SaveOptions& options) const;
+
+    // Opens the element and writes all its attributes: the item's own, then
+    // "id", the presentation attributes, "transform", then the Post hook.
+    bool beginWriteAsXml(vk::xml::XmlSaveContext& context, const SaveOptions& options) const;
+
+    ItemType getType() const { return mType; }
+
+    // The item's own transform, mapping its coordinates into its parent's.
+    const std::optional<Wm4::Matrix3<float>>& getTransform() const { return mTransform; }
+    std::optional<Wm4::Matrix3<float>>& editTransform() { return mTransform; }
+    const std::optional<std::string>& getId() const { return mId; }
+    std::optional<std::string>& editId() { return mId; }
+    const RenderingProperties& getRenderingProperties() const { return mRenderingProperties; }
+    RenderingProperties& editRenderingProperties() { return mRenderingProperties; }
+
+protected:
+    explicit ItemInterface(ItemType type);
+    ItemInterface(const ItemInterface& other);
+    // Assigns everything but the type, which never changes.
+    ItemInterface& operator=(const ItemInterface& other);
+
+private:
+    ItemType mType;
+    std::optional<Wm4::Matrix3<float>> mTransform;
+    std::optional<std::string> mId;
+    RenderingProperties mRenderingProperties;
+};
+
+// A group: an item that owns an ordered list of children.
+class VKSVG_API Node : public ItemInterface {
+public:
+    using Children = std::list<std::shared_ptr<ItemInterface>>;
+
+    Node();
+    explicit Node(ItemType type);
+    // Deep copy: every child is copied; null children, documents and items of
+    // unknown type are left out.
+    Node(const Node& other);
+    Node& operator=(const Node& other);
+
+    const Children& getChildren() const { return mChildren; }
+    Children& editChildren() { return mChildren; }
+
+    // Adds a child at the end or the front; null is ignored. A Document can
+    // never be a child: for it this member does not exist.
+    template <class T,
+              std::enable_if_t<std::is_base_of_v<ItemInterface, T> && !std::is_base_of_v<Document, T>, int> = 0>
+    void addChild(const ItemInterfacePointer<T>& child, bool atEnd)
+    {
+        insertChild(child, atEnd);
+    }
+    template <class T,
+              std::enable_if_t<std::is_base_of_v<ItemInterface, T> && !std::is_base_of_v<Document, T>, int> = 0>
+    void addChild(const std::shared_ptr<T>& child, bool atEnd)
+    {
+        insertChild(child, atEnd);
+    }
+
+    bool computeEstimatedBoundingVolume(BoundingBox& box, const Wm4::Matrix3<float>& matrix) const override;
+    bool beginWriteAsXmlImplPre(vk::xml::XmlSaveContext& context, const SaveOptions& options) const override;
+
+    // Starts an element of the given name: "g" for a group, "svg" for a document.
+    bool beginWriteAsXmlNodeWithName(vk::xml::XmlSaveContext& context, const char* name) const;
+
+private:
+    void insertChild(std::shared_ptr<ItemInterface> child, bool atEnd);
+    void copyChildrenFrom(const Node& other);
+
+    Children mChildren;
+};
+
+// The root of a drawing: a group with an optional viewBox and style sheet.
+class VKSVG_API Document : public Node {
+public:
+    Document();
+    Document(const Document& other);
+    Document& operator=(const Document& other);
+
+    // The minimum corner is the viewBox origin, the maximum corner the origin
+    // plus width and height.
+    const std::optional<BoundingBox>& getViewbox() const { return mViewbox; }
+    std::optional<BoundingBox>& editViewbox() { return mViewbox; }
+    // The text of the embedded style sheet.
+    const std::optional<std::string>& getStyle() const { return mStyle; }
+    std::optional<std::string>& editStyle() { return mStyle; }
+
+    // Sets the viewBox to the estimated extent of the content, whatever it
+    // is: an empty document gets the invalid default box.
+    void computeEstimatedViewboxFromContent();
+
+    bool endWriteAsXml(vk::xml::XmlSaveContext& context, const SaveOptions& options) const override;
+    bool beginWriteAsXmlImplPre(vk::xml::XmlSaveContext& context, const SaveOptions& options) const override;
+    bool beginWriteAsXmlImplPost(vk::xml::XmlSaveContext& context, const SaveOptions& options) const override;
+
+private:
+    std::optional<BoundingBox> mViewbox;
+    std::optional<std::string> mStyle;
+};
+
+class VKSVG_API Line : public ItemInterface {
+public:
+    Line(const Wm4::Vector2<float>& start, const Wm4::Vector2<float>& end);
+    Line(const Line& other) = default;
+    Line& operator=(const Line& other) = default;
+
+    const Wm4::Vector2<float>& getStart() const { return mStart; }
+    Wm4::Vector2<float>& editStart() { return mStart; }
+    const Wm4::Vector2<float>& getEnd() const { return mEnd; }
+    Wm4::Vector2<float>& editEnd() { return mEnd; }
+
+    bool computeEstimatedBoundingVolume(BoundingBox& box, const Wm4::Matrix3<float>& matrix) const override;
+    bool beginWriteAsXmlImplPre(vk::xml::XmlSaveContext& context, const SaveOptions& options) const override;
+
+private:
+    Wm4::Vector2<float> mStart;
+    Wm4::Vector2<float> mEnd;
+};
+
+class VKSVG_API Rect : public ItemInterface {
+public:
+    // The corner radii start at (0, 0).
+    Rect(const Wm4::Vector2<float>& position, const Wm4::Vector2<float>& size);
+    Rect(const Rect& other) = default;
+    Rect& operator=(const Rect& other) = default;
+
+    const Wm4::Vector2<float>& getPosition() const { return mPosition; }
+    Wm4::Vector2<float>& editPosition() { return mPosition; }
+    const Wm4::Vector2<float>& getSize() const { return mSize; }
+    Wm4::Vector2<float>& editSize() { return mSize; }
+    const Wm4::Vector2<float>& getRadius() const { return mRadius; }
+    Wm4::Vector2<float>& editRadius() { return mRadius; }
+
+    bool computeEstimatedBoundingVolume(BoundingBox& box, const Wm4::Matrix3<float>& matrix) const override;
+    bool beginWriteAsXmlImplPre(vk::xml::XmlSaveContext& context, const SaveOptions& options) const override;
+
+private:
+    Wm4::Vector2<float> mPosition;
+    Wm4::Vector2<float> mSize;
+    Wm4::Vector2<float> mRadius;
+};
+
+class VKSVG_API Circle : public ItemInterface {
+public:
+    Circle(const Wm4::Vector2<float>& center, float radius);
+    Circle(const Circle& other) = default;
+    Circle& operator=(const Circle& other) = default;
+
+    const Wm4::Vector2<float>& getCenter() const { return mCenter; }
+    Wm4::Vector2<float>& editCenter() { return mCenter; }
+    const float& getRadius() const { return mRadius; }
+    float& editRadius() { return mRadius; }
+
+    bool computeEstimatedBoundingVolume(BoundingBox& box, const Wm4::Matrix3<float>& matrix) const override;
+    bool beginWriteAsXmlImplPre(vk::xml::XmlSaveContext& context, const SaveOptions& options) const override;
+
+private:
+    Wm4::Vector2<float> mCenter;
+    float mRadius;
+};
+
+// A path: its drawing commands as written in path data, relative commands
+// and implicit repetitions split apart but otherwise unchanged.
+class VKSVG_API Path : public ItemInterface {
+public:
+    using CommandType = PathCommandType;
+    using Command = PathCommand;
+
+    Path();
+    Path(const Path& other) = default;
+    Path& operator=(const Path& other) = default;
+
+    const std::list<Command>& getCommands() const { return mCommands; }
+    std::list<Command>& editCommands() { return mCommands; }
+
+    bool computeEstimatedBoundingVolume(BoundingBox& box, const Wm4::Matrix3<float>& matrix) const override;
+    bool beginWriteAsXmlImplPre(vk::xml::XmlSaveContext& context, const SaveOptions& options) const override;
+
+private:
+    std::list<Command> mCommands;
+};
+
+class VKSVG_API Text : public ItemInterface {
+public:
+    Text(const Wm4::Vector2<float>& position, const std::string& content);
+    Text(const Text& other) = default;
+    Text& operator=(const Text& other) = default;
+
+    const Wm4::Vector2<float>& getPosition() const { return mPosition; }
+    Wm4::Vector2<float>& editPosition() { return mPosition; }
+    // The character data exactly as read (UTF-8); see ApplySvgXMLSpaceDefault.
+    const std::string& getContent() const { return mContent; }
+    std::string& editContent() { return mContent; }
+    // True for xml:space="preserve", false for "default".
+    const std::optional<bool>& getXmlSpacePreserve() const { return mXmlSpacePreserve; }
+    std::optional<bool>& editXmlSpacePreserve() { return mXmlSpacePreserve; }
+    const std::optional<std::string>& getFontFamily() const { return mFontFamily; }
+    std::optional<std::string>& editFontFamily() { return mFontFamily; }
+    const std::optional<UnitValue>& getTextLength() const { return mTextLength; }
+    std::optional<UnitValue>& editTextLength() { return mTextLength; }
+    const std::optional<bool>& getBold() const { return mBold; }
+    std::optional<bool>& editBold() { return mBold; }
+    const std::optional<bool>& getItalic() const { return mItalic; }
+    std::optional<bool>& editItalic() { return mItalic; }
+    const std::optional<bool>& getUnderline() const { return mUnderline; }
+    std::optional<bool>& editUnderline() { return mUnderline; }
+    const std::optional<float>& getFontSize() const { return mFontSize; }
+    std::optional<float>& editFontSize() { return mFontSize; }
+
+    // Writes the character content before closing the element.
+    bool endWriteAsXml(vk::xml::XmlSaveContext& context, const SaveOptions& options) const override;
+    bool computeEstimatedBoundingVolume(BoundingBox& box, const Wm4::Matrix3<float>& matrix) const override;
+    bool beginWriteAsXmlImplPre(vk::xml::XmlSaveContext& context, const SaveOptions& options) const override;
+
+private:
+    Wm4::Vector2<float> mPosition;
+    std::string mContent;
+    std::optional<bool> mXmlSpacePreserve;
+    std::optional<std::string> mFontFamily;
+    std::optional<UnitValue> mTextLength;
+    std::optional<bool> mBold;
+    std::optional<bool> mItalic;
+    std::optional<bool> mUnderline;
+    std::optional<float> mFontSize;
+};
+
+class VKSVG_API Image : public ItemInterface {
+public:
+    // At (0, 0) with size (0, 0), no reference and no aspect-ratio rule.
+    Image();
+    Image(const Image& other) = default;
+    Image& operator=(const Image& other) = default;
+
+    const Wm4::Vector2<float>& getPosition() const { return mPosition; }
+    Wm4::Vector2<float>& editPosition() { return mPosition; }
+    const Wm4::Vector2<float>& getSize() const { return mSize; }
+    Wm4::Vector2<float>& editSize() { return mSize; }
+    const std::string& getHref() const { return mHref; }
+    std::string& editHref() { return mHref; }
+    const std::optional<PreserveAspectRatio>& getPreserveAspectRatio() const { return mPreserveAspectRatio; }
+    std::optional<PreserveAspectRatio>& editPreserveAspectRatio() { return mPreserveAspectRatio; }
+
+    bool computeEstimatedBoundingVolume(BoundingBox& box, const Wm4::Matrix3<float>& matrix) const override;
+    bool beginWriteAsXmlImplPre(vk::xml::XmlSaveContext& context, const SaveOptions& options) const override;
+
+private:
+    Wm4::Vector2<float> mPosition;
+    Wm4::Vector2<float> mSize;
+    std::string mHref;
+    std::optional<PreserveAspectRatio> mPreserveAspectRatio;
+};
+
+} // namespace vk::svg
+
+#endif

@@ -1,0 +1,72 @@
+#ifndef VKSVG_VKCOREDRIVER_H
+#define VKSVG_VKCOREDRIVER_H
+
+#include <svg/Export.h>
+#include <svg/Items.h>
+#include <svg/Options.h>
+
+#include <list>
+#include <string>
+#include <utility>
+
+namespace vk {
+class vkIoDevice;
+class vkProgressNotifierInterface;
+} // namespace vk
+
+namespace vk::svg {
+
+// How well a driver fits a load or save key.
+enum class DriverMatch : int {
+    None = 0,     // cannot handle the key
+    Possible = 1, // can handle it, but another driver may be better
+    Exact = 2,    // made for this key
+};
+
+// The base of every load/save driver: it keeps the warnings and errors of the
+// driver's last request, in the order they were produced.
+template <class LoadKey, class SaveKey, class LoadOptionsT, class SaveOptionsT> class VKSVG_API vkCoreDriver {
+public:
+    using LoadKeyType = LoadKey;
+    using SaveKeyType = SaveKey;
+    using LoadOptionsType = LoadOptionsT;
+    using SaveOptionsType = SaveOptionsT;
+
+    vkCoreDriver() = default;
+    vkCoreDriver(const vkCoreDriver&) = delete;
+    vkCoreDriver& operator=(const vkCoreDriver&) = delete;
+    virtual ~vkCoreDriver() = default;
+
+    const std::list<std::string>& getMessages() const { return mMessages; }
+    std::list<std::string>& editMessages() { return mMessages; }
+
+private:
+    std::list<std::string> mMessages;
+};
+
+// The interface of every SVG driver. A load key is a device (always null when
+// the manager asks) and a name: a file's extension or the caller's format
+// name. A save key is that name alone.
+class VKSVG_API vkCoreSvgIODriver
+    : public vkCoreDriver<std::pair<vk::vkIoDevice*, std::string>, std::string, LoadOptions, SaveOptions> {
+public:
+    vkCoreSvgIODriver();
+    ~vkCoreSvgIODriver() override;
+
+    // A DriverMatch value.
+    virtual int canLoad(const std::pair<vk::vkIoDevice*, std::string>& key, const LoadOptions& options) const = 0;
+    virtual int canSave(const std::string& key, const SaveOptions& options) const = 0;
+
+    virtual bool loadSvg(ItemInterfacePointer<ItemInterface>& root, const std::string& fileName,
+                         vk::vkProgressNotifierInterface* progress, const LoadOptions& options) = 0;
+    virtual bool loadSvg(ItemInterfacePointer<ItemInterface>& root, vk::vkIoDevice& device, const std::string& name,
+                         vk::vkProgressNotifierInterface* progress, const LoadOptions& options) = 0;
+    virtual bool saveSvg(const ItemInterface& root, const std::string& fileName,
+                         vk::vkProgressNotifierInterface* progress, const SaveOptions& options) = 0;
+    virtual bool saveSvg(const ItemInterface& root, vk::vkIoDevice& device, const std::string& name,
+                         vk::vkProgressNotifierInterface* progress, const SaveOptions& options) = 0;
+};
+
+} // namespace vk::svg
+
+#endif
