@@ -15,6 +15,7 @@
 #include <svg/PathData.h>
 #include <svg/PathPrimitives.h>
 #include <svg/RenderingProperties.h>
+#include <svg/Triangulation.h>
 #include <svg/UnitValue.h>
 #include <svg/Version.h>
 #include <svg/Writer.h>

@@ -1,0 +1,125 @@
+// Triangulation of large outlines, reported as time per input vertex so that
+// sizes compare directly (flat per-vertex time means n log n or better).
+
+#include <svg/Triangulation.h>
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <random>
+#include <vector>
+
+namespace {
+
+using V2 = Wm4::Vector2<float>;
+constexpr double kPi = 3.14159265358979323846;
+
+struct Outline {
+    std::vector<V2> points;
+    std::vector<unsigned int> edges;
+};
+
+void AddRing(Outline& outline, const std::vector<V2>& ring)
+{
+    const auto base = static_cast<unsigned int>(outline.points.size());
+    const auto n = static_cast<unsigned int>(ring.size());
+    outline.points.insert(outline.points.end(), ring.begin(), ring.end());
+    for (unsigned int i = 0; i < n; ++i) {
+        outline.edges.push_back(base + i);
+        outline.edges.push_back(base + (i + 1) % n);
+    }
+}
+
+std::vector<V2> Star(std::mt19937& rng, std::size_t n, V2 center, float rMin, float rMax)
+{
+    std::uniform_real_distribution<float> radius(rMin, rMax);
+    std::vector<V2> ring;
+    for (std::size_t i = 0; i < n; ++i) {
+        const double angle = 2.0 * kPi * double(i) / double(n);
+        const float r = radius(rng);
+        ring.emplace_back(center.X() + r * float(std::cos(angle)), center.Y() + r * float(std::sin(angle)));
+    }
+    return ring;
+}
+
+// A band whose top and bottom are random walks over increasing x: horizontal
+// lines cross the outline many times.
+std::vector<V2> RandomWalk(std::mt19937& rng, std::size_t n)
+{
+    const std::size_t half = n / 2;
+    std::uniform_real_distribution<float> step(-0.08f, 0.08f);
+    std::vector<V2> top;
+    std::vector<V2> bottom;
+    float up = 1.0f;
+    float down = 1.0f;
+    for (std::size_t i = 0; i < half; ++i) {
+        const float x = 100.0f * float(i) / float(half - 1);
+        up = std::clamp(up + step(rng), 0.1f, 2.0f);
+        down = std::clamp(down + step(rng), 0.1f, 2.0f);
+        top.emplace_back(x, up);
+        bottom.emplace_back(x, -down);
+    }
+    std::vector<V2> ring(bottom.begin(), bottom.end());
+    ring.insert(ring.end(), top.rbegin(), top.rend());
+    return ring;
+}
+
+void Run(benchmark::State& state, const Outline& outline, vk::TriangulationFillRule rule)
+{
+    std::vector<V2> points;
+    std::vector<unsigned int> triangles;
+    for (auto _ : state) {
+        points.clear();
+        triangles.clear();
+        if (!vk::TriangulatePoly(outline.points, outline.edges, points, triangles, rule, true)) {
+            state.SkipWithError("triangulation failed");
+            break;
+        }
+        benchmark::DoNotOptimize(triangles.data());
+    }
+    state.counters["per_vertex"] = benchmark::Counter(
+        double(outline.points.size()), benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+    state.counters["triangles"] = double(triangles.size() / 3);
+}
+
+void BM_Star(benchmark::State& state)
+{
+    std::mt19937 rng(1);
+    Outline outline;
+    AddRing(outline, Star(rng, std::size_t(state.range(0)), V2(0, 0), 50.0f, 100.0f));
+    Run(state, outline, vk::TriangulationFillRule::NonZero);
+}
+
+void BM_RandomWalk(benchmark::State& state)
+{
+    std::mt19937 rng(2);
+    Outline outline;
+    AddRing(outline, RandomWalk(rng, std::size_t(state.range(0))));
+    Run(state, outline, vk::TriangulationFillRule::NonZero);
+}
+
+// A 10 x 10 grid of star-shaped holes in a star-shaped outline.
+void BM_Holes(benchmark::State& state)
+{
+    std::mt19937 rng(3);
+    const std::size_t holeVertices = std::size_t(state.range(0));
+    Outline outline;
+    AddRing(outline, Star(rng, 10 * holeVertices, V2(0, 0), 95.0f, 100.0f));
+    for (int i = 0; i < 10; ++i) {
+        for (int j = 0; j < 10; ++j) {
+            const V2 center(-60.0f + 12.0f * float(i) + 6.0f, -60.0f + 12.0f * float(j) + 6.0f);
+            AddRing(outline, Star(rng, holeVertices, center, 2.0f, 5.0f));
+        }
+    }
+    Run(state, outline, vk::TriangulationFillRule::EvenOdd);
+}
+
+} // namespace
+
+BENCHMARK(BM_Star)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RandomWalk)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Holes)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMillisecond);
+
+BENCHMARK_MAIN();
