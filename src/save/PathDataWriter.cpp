@@ -6,8 +6,10 @@
 
 #include <vkSystem/vkStringUtils.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <vector>
 
 namespace vk::svg {
 
@@ -42,9 +44,11 @@ bool letterCanBeOmitted(unsigned type, int previous)
     return type >= 4 && type <= 13 && type == prev;
 }
 
+// Builds the text in a reusable character buffer: one path of a large
+// drawing costs no allocation and no per-number string handling.
 class PathDataBuilder {
 public:
-    PathDataBuilder(std::string& out, const SaveOptions& options) : mOut(out), mOptions(options) {}
+    PathDataBuilder(std::vector<char>& buffer, const SaveOptions& options) : mBuffer(buffer), mOptions(options) {}
 
     void append(const PathCommand& command)
     {
@@ -52,9 +56,11 @@ public:
         if (type >= sizeof(kPatterns) / sizeof(kPatterns[0]))
             return; // an unknown command has no letter and no numbers
         if (!letterCanBeOmitted(type, mPrevious)) {
+            char* at = reserve(2);
             if (mOptions.prettyPrint && mPrevious >= 0)
-                mOut += ' ';
-            mOut += kLetters[type];
+                *at++ = ' ';
+            *at++ = kLetters[type];
+            mLength = static_cast<std::size_t>(at - mBuffer.data());
         }
         std::size_t index = 0;
         for (const char* kind = kPatterns[type]; *kind != '\0' && index < command.values.size(); ++kind, ++index) {
@@ -67,53 +73,65 @@ public:
         mPrevious = static_cast<int>(type);
     }
 
-private:
-    void separateFrom(char first)
+    // The text, NUL-terminated, valid until the buffer is used again.
+    const char* finish()
     {
-        if (mOut.empty())
-            return;
-        if (mOptions.prettyPrint || (isDigit(mOut.back()) && isDigit(first)))
-            mOut += ' ';
+        *reserve(1) = '\0';
+        return mBuffer.data();
+    }
+
+private:
+    char* reserve(std::size_t count)
+    {
+        if (mLength + count > mBuffer.size())
+            mBuffer.resize(std::max(mBuffer.size() * 2, mLength + count + 256));
+        return mBuffer.data() + mLength;
+    }
+
+    bool needsBlankBefore(char first) const
+    {
+        return mLength > 0 && (mOptions.prettyPrint || (isDigit(mBuffer[mLength - 1]) && isDigit(first)));
     }
 
     void appendToken(const char* token)
     {
-        separateFrom(token[0]);
-        mOut += token;
+        const std::size_t length = std::strlen(token);
+        const bool blank = needsBlankBefore(token[0]);
+        char* at = reserve(length + 1);
+        if (blank)
+            *at++ = ' ';
+        std::memcpy(at, token, length);
+        mLength += length + (blank ? 1 : 0);
     }
 
-    // Formats straight into the output, one slot to the right of where the
-    // number goes, so that the separator can be decided from its first
-    // character without a temporary.
+    // Formats one slot to the right of the end, so that the separator can
+    // go in front once the first character is known.
     void appendNumber(float value)
     {
-        const std::size_t at = mOut.size();
-        mOut.resize(at + kNumberSlot);
-        std::size_t length = vk::vkStringUtils::formatFloat(&mOut[at + 1], kNumberSlot - 1, value, mOptions.precision,
+        constexpr std::size_t kSlot = 64;
+        char* at = reserve(kSlot);
+        std::size_t length = vk::vkStringUtils::formatFloat(at + 1, kSlot - 1, value, mOptions.precision,
                                                             vk::vkStringUtils::FloatFormat::FixedTrimZeros);
         if (length == 0) { // a precision too large for the slot
-            mOut.resize(at);
             appendToken(impl::SvgNumberText(value, mOptions.precision).c_str());
             return;
         }
-        if (length == 2 && mOut[at + 1] == '-' && mOut[at + 2] == '0') {
-            mOut[at + 1] = '0';
+        if (length == 2 && at[1] == '-' && at[2] == '0') {
+            at[1] = '0';
             length = 1;
         }
-        const bool blank = at > 0 && (mOptions.prettyPrint || (isDigit(mOut[at - 1]) && isDigit(mOut[at + 1])));
-        if (blank) {
-            mOut[at] = ' ';
-            mOut.resize(at + 1 + length);
+        if (needsBlankBefore(at[1])) {
+            at[0] = ' ';
+            mLength += length + 1;
         } else {
-            std::memmove(&mOut[at], &mOut[at + 1], length);
-            mOut.resize(at + length);
+            std::memmove(at, at + 1, length);
+            mLength += length;
         }
     }
 
-    static constexpr std::size_t kNumberSlot = 64;
-
-    std::string& mOut;
+    std::vector<char>& mBuffer;
     const SaveOptions& mOptions;
+    std::size_t mLength = 0;
     int mPrevious = -1;
 };
 
@@ -124,12 +142,11 @@ bool Path::beginWriteAsXmlImplPre(vk::xml::XmlSaveContext& context, const SaveOp
     if (xmlTextWriterStartElement(context.getWriter(), BAD_CAST "path") < 0)
         return impl::Fail(context, WriteErrorElementStart, "Path failed begin");
     // Reused from path to path: a large drawing has many paths.
-    thread_local std::string data;
-    data.clear();
-    PathDataBuilder builder(data, options);
+    thread_local std::vector<char> buffer;
+    PathDataBuilder builder(buffer, options);
     for (const Command& command : mCommands)
         builder.append(command);
-    return Helpers::writeAttributeString(context, options, "d", data);
+    return Helpers::writeAttributeString(context, options, "d", builder.finish());
 }
 
 } // namespace vk::svg

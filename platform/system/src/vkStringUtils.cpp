@@ -151,6 +151,45 @@ bool scaleExactly(uint64_t mantissa, int exponent, int precision, uint64_t& unit
     return true;
 }
 
+void copyPair(char* out, uint32_t value) { std::memcpy(out, &kDigitPairs[value * 2], 2); }
+
+// The integer part, below 10^9, without leading zeros.
+char* writeSmallInteger(char* out, uint32_t value)
+{
+    if (value < 10) {
+        *out = static_cast<char>('0' + value);
+        return out + 1;
+    }
+    if (value < 100) {
+        copyPair(out, value);
+        return out + 2;
+    }
+    const int digits = countDigits(value);
+    writeDigitsOf(out, value, digits);
+    return out + digits;
+}
+
+// The default precision, by far the most common: units are millionths.
+// Three digit pairs make the fraction, with no loop and no division by a
+// variable.
+char* writeSixDecimals(char* out, uint64_t units, bool trimZeros)
+{
+    const auto integerPart = static_cast<uint32_t>(units / 1000000);
+    const auto fraction = static_cast<uint32_t>(units - static_cast<uint64_t>(integerPart) * 1000000);
+    out = writeSmallInteger(out, integerPart);
+    if (trimZeros && fraction == 0)
+        return out;
+    out[0] = '.';
+    copyPair(out + 1, fraction / 10000);
+    copyPair(out + 3, (fraction / 100) % 100);
+    copyPair(out + 5, fraction % 100);
+    char* end = out + 7;
+    if (trimZeros)
+        while (end[-1] == '0')
+            --end; // stops at a digit: the fraction is not zero
+    return end;
+}
+
 // Fixed notation by exact integer arithmetic: the value is m * 2^e, so
 // value * 10^p rounded half to even is (m * 10^p) >> -e with the remainder
 // deciding the rounding, exactly as printf rounds the exact binary value.
@@ -175,13 +214,15 @@ char* formatFixedExact(char* first, char* last, double value, int precision, boo
     uint64_t units;
     if (!scaleExactly(mantissa, exponent, precision, units))
         return nullptr;
-    uint64_t integerPart;
-    uint64_t fraction;
-    splitAtPrecision(units, precision, integerPart, fraction);
-
     char* out = first;
     if (negative)
         *out++ = '-';
+    if (precision == 6 && units < 1000000000ULL * 1000000ULL)
+        return writeSixDecimals(out, units, trimZeros);
+
+    uint64_t integerPart;
+    uint64_t fraction;
+    splitAtPrecision(units, precision, integerPart, fraction);
     const int integerDigits = countDigits(integerPart);
     writeDigits(out, integerPart, integerDigits);
     out += integerDigits;
