@@ -10,16 +10,19 @@
 #include <svg/BoundingBoxEstimation.h>
 #include <svg/Color.h>
 #include <svg/Items.h>
+#include <svg/Library.h>
 #include <svg/Options.h>
 #include <svg/PathCommand.h>
 #include <svg/PathData.h>
 #include <svg/PathPrimitives.h>
 #include <svg/RenderingProperties.h>
+#include <svg/TextSpace.h>
 #include <svg/Triangulation.h>
 #include <svg/UnitValue.h>
 #include <svg/Version.h>
 #include <svg/Writer.h>
 #include <svg/vkCoreDriver.h>
+#include <svg/vkSvgDriver.h>
 #include <svg/vkSvgIOManager.h>
 
 #include <vkSystem/vkCancelInterface.h>

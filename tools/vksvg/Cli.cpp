@@ -28,6 +28,16 @@ const std::vector<Command>& commands()
          "Parse each TEXT as an SVG colour and print its red, green, blue and alpha bytes, or say that it is no "
          "colour.",
          runColorCommand},
+        {"info", "FILE [--lenient]",
+         "Load an SVG document and print its items as an indented outline with ids and key geometry, then the "
+         "number of items of each type. Warnings and errors go to standard error, one per line; --lenient skips "
+         "unsupported elements and attributes instead of failing.",
+         runInfoCommand},
+        {"convert", "IN OUT [--precision N] [--pretty] [--no-header] [--lenient]",
+         "Load IN and save it as OUT (\"-\" for standard output): N digits after the point (default 6), "
+         "indented output, no Exporter/Datetime comments, unsupported content skipped. Messages go to standard "
+         "error.",
+         runConvertCommand},
     };
     return table;
 }

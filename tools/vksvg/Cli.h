@@ -26,6 +26,8 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
 
 // The commands, one per file.
 int runColorCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+int runInfoCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+int runConvertCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 
 } // namespace vksvg
 
