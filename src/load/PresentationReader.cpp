@@ -294,74 +294,9 @@ std::string TransformFailureText(const std::string& value)
 
 } // namespace
 
-namespace {
-
-// Powers of ten that a float holds exactly.
-constexpr float kExactPowersOfTen[] = {1e0f, 1e1f, 1e2f, 1e3f, 1e4f, 1e5f, 1e6f, 1e7f, 1e8f, 1e9f, 1e10f};
-
-// The plain decimals that drawings are made of ([sign]digits[.digits] with
-// at most 24 bits of mantissa and 10 decimals) converted with one correctly
-// rounded division, which gives strtof's result exactly. Anything else is
-// left to strtof.
-bool ReadSimpleDecimal(std::string_view text, float& value)
-{
-    std::size_t i = 0;
-    const std::size_t size = text.size();
-    bool negative = false;
-    if (i < size && (text[i] == '-' || text[i] == '+')) {
-        negative = text[i] == '-';
-        ++i;
-    }
-    uint32_t mantissa = 0;
-    std::size_t decimals = 0;
-    bool digits = false;
-    bool point = false;
-    for (; i < size; ++i) {
-        const char c = text[i];
-        if (c >= '0' && c <= '9') {
-            mantissa = mantissa * 10u + static_cast<uint32_t>(c - '0');
-            if (mantissa > (1u << 24))
-                return false;
-            digits = true;
-            if (point)
-                ++decimals;
-        } else if (c == '.' && !point) {
-            point = true;
-        } else {
-            return false;
-        }
-    }
-    if (!digits || decimals >= sizeof(kExactPowersOfTen) / sizeof(kExactPowersOfTen[0]))
-        return false;
-    float number = static_cast<float>(mantissa);
-    if (decimals > 0)
-        number /= kExactPowersOfTen[decimals];
-    value = negative ? -number : number;
-    return true;
-}
-
-} // namespace
-
 bool ReadNumber(std::string_view text, float& value)
 {
-    if (ReadSimpleDecimal(text, value))
-        return true;
-    char buffer[128];
-    std::string heap;
-    const char* start = buffer;
-    if (text.size() < sizeof(buffer)) {
-        std::memcpy(buffer, text.data(), text.size());
-        buffer[text.size()] = '\0';
-    } else {
-        heap.assign(text);
-        start = heap.c_str();
-    }
-    char* end = nullptr;
-    const float number = strtof_l(start, &end, vk::vkStringUtils::msCLocale);
-    if (end != start + text.size())
-        return false;
-    value = number;
-    return true;
+    return vk::vkStringUtils::toFloat(text.data(), text.data() + text.size(), value);
 }
 
 bool ReadNumberList(std::string_view text, std::size_t minCount, std::size_t maxCount, std::string_view attributeName,

@@ -83,33 +83,11 @@ int PathVisitorStrToTokens::consumeCoordinate(Cursor& it, float& value)
     // The scanner's hot spot. It works on plain pointers into its own copy
     // of the text and needs utfcpp only for a byte outside ASCII, which
     // always ends a number.
-    char* const start = mText.data() + offsetOf(it);
+    const char* const start = mText.data() + offsetOf(it);
     const char* const end = mText.data() + mText.size();
 
-    // Fast path for the usual decimal number: let strtof find its end and
-    // accept that as the run when the rules below would stop there too. A
-    // leading digit or point rules out inf, nan and blanks; hex is ruled out
-    // by hand. The string's terminator makes every read here safe.
-    const std::size_t signLength = start != end && (*start == '+' || *start == '-') ? 1 : 0;
-    const char lead = start[signLength];
-    if ((IsDigit(static_cast<unsigned char>(lead)) || lead == '.') &&
-        !(lead == '0' && (start[signLength + 1] == 'x' || start[signLength + 1] == 'X'))) {
-        char* parsedTo = nullptr;
-        const float number = strtof_l(start, &parsedTo, vk::vkStringUtils::msCLocale);
-        const auto next = static_cast<unsigned char>(*parsedTo);
-        // strtof ends on a digit, or on a point after digits; the run would
-        // go on over a digit, an exponent letter or a point, and a byte
-        // beyond ASCII must be decoded first.
-        if (parsedTo != start &&
-            (parsedTo == end || (next < 0x80 && !IsDigit(next) && next != 'e' && next != 'E' && next != '.'))) {
-            it += parsedTo - start;
-            value = number;
-            return kMatched;
-        }
-    }
-
-    // The rules in full, for everything else: digits and exponent letters
-    // always, a sign first or right after an exponent letter, one point.
+    // The run: digits and exponent letters always, a sign first or right
+    // after an exponent letter, one point.
     const char* p = start;
     bool seenPoint = false;
     bool afterExponent = false;
@@ -135,20 +113,12 @@ int PathVisitorStrToTokens::consumeCoordinate(Cursor& it, float& value)
     if (length == 0) {
         return kAbsent;
     }
-    // strtof sees the run alone, or it would read on past it ("0x10" is a
-    // zero and a stray x here, not sixteen). The text is this scanner's own
-    // copy, so the run is cut off in place for the call and restored after;
-    // at the end of the text the string's terminator already cuts it.
-    char* const stop = start + length;
-    const char saved = *stop;
-    *stop = '\0';
-    char* parsedTo = nullptr;
-    const float number = strtof_l(start, &parsedTo, vk::vkStringUtils::msCLocale);
-    *stop = saved;
-    if (parsedTo != stop) {
+    // The run alone is converted: strtof would read on past it ("0x10" is a
+    // zero and a stray x here, not sixteen). A malformed run such as 1e5.5
+    // is one that the conversion does not consume whole.
+    if (!vk::vkStringUtils::toFloat(start, start + length, value)) {
         return kFailed;
     }
-    value = number;
     return kMatched;
 }
 

@@ -173,8 +173,7 @@ TEST(FromFloat, BufferAndAppendFormsAgreeWithTheStringForm)
 {
     const std::string expected = vkStringUtils::fromFloatImpl<float>(-1234.5f, 3, Format::FixedTrimZeros);
     char buffer[16];
-    EXPECT_EQ(vkStringUtils::formatFloat(buffer, sizeof(buffer), -1234.5f, 3, Format::FixedTrimZeros),
-              expected.size());
+    EXPECT_EQ(vkStringUtils::formatFloat(buffer, sizeof(buffer), -1234.5f, 3, Format::FixedTrimZeros), expected.size());
     EXPECT_EQ(std::string(buffer), expected);
     // Too small for the text and its terminator: nothing is written.
     EXPECT_EQ(vkStringUtils::formatFloat(buffer, expected.size(), -1234.5f, 3, Format::FixedTrimZeros), 0u);
@@ -219,4 +218,51 @@ TEST(FromFloat, ExactRoundingMatchesToCharsIncludingTies)
             ASSERT_EQ(vkStringUtils::fromFloatImpl<float>(value, 6, Format::Fixed), std::string(expected, result.ptr))
                 << value;
         }
+}
+
+TEST(ToFloat, AgreesWithStrtofBitForBit)
+{
+    // Texts built from the characters numbers are made of, plus a few that
+    // only strtof knows (hex, inf, blanks), all compared with strtof_l.
+    const char alphabet[] = "0123456789012345678901234567890123456789....--++eE xXiInNaAfF";
+    uint32_t state = 99;
+    auto next = [&state] {
+        state = state * 1664525u + 1013904223u;
+        return state >> 8;
+    };
+    auto check = [](const std::string& text) {
+        float fast = -12345.0f;
+        const bool ok = vkStringUtils::toFloat(text.data(), text.data() + text.size(), fast);
+        char* end = nullptr;
+        const float expected = strtof_l(text.c_str(), &end, vkStringUtils::msCLocale);
+        const bool whole = end == text.c_str() + text.size();
+        ASSERT_EQ(ok, whole) << '"' << text << '"';
+        if (ok) {
+            uint32_t a;
+            uint32_t b;
+            std::memcpy(&a, &fast, 4);
+            std::memcpy(&b, &expected, 4);
+            ASSERT_EQ(a, b) << '"' << text << '"';
+        }
+    };
+    for (int i = 0; i < 200000; ++i) {
+        std::string text;
+        const uint32_t length = next() % 14;
+        for (uint32_t k = 0; k < length; ++k)
+            text += alphabet[next() % (sizeof(alphabet) - 1)];
+        check(text);
+    }
+    // Plain decimals of every size, and values near float rounding boundaries.
+    for (int i = 0; i < 200000; ++i) {
+        std::string text = (next() % 2 ? "-" : "") + std::to_string(next() % 100000000);
+        if (next() % 2)
+            text += "." + std::to_string(next() % 100000000000ULL);
+        if (next() % 4 == 0)
+            text += "e" + std::to_string(static_cast<int>(next() % 90) - 45);
+        check(text);
+    }
+    for (const char* text : {"16777217", "16777219", "0.1", "1e-38", "1.17549435e-38", "3.4028235e38", "3.5e38",
+                             "1e-45", "-0", "0.000000000000000000001", "9007199254740993", "8388608.5", "33554433",
+                             "1.00000005960464477539", "1.0000000596046448", "4.7019774e-38"})
+        check(text);
 }

@@ -276,6 +276,85 @@ char* formatInto(char* first, char* last, double value, int precision, vkStringU
     return end;
 }
 
+// Powers of ten that a double holds exactly.
+constexpr double kExactDoublePowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                         1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+// A plain decimal by Clinger's fast path: with at most 19 digits and a
+// decimal exponent within 22, one multiplication or division of two exact
+// doubles gives the correctly rounded double. Rounding that double to float
+// again is exact unless it sits exactly half-way between two floats, or in
+// the subnormal or overflow range: those are left to strtof. Returns false
+// when the text is not such a number.
+bool toFloatFast(const char* p, const char* last, float& value)
+{
+    bool negative = false;
+    if (p != last && (*p == '-' || *p == '+')) {
+        negative = *p == '-';
+        ++p;
+    }
+    uint64_t mantissa = 0;
+    int digits = 0;
+    int exponent = 0;
+    bool any = false;
+    for (; p != last && *p >= '0' && *p <= '9'; ++p) {
+        any = true;
+        if (mantissa == 0 && *p == '0')
+            continue; // leading zeros are not significant
+        if (++digits > 19)
+            return false;
+        mantissa = mantissa * 10 + static_cast<uint64_t>(*p - '0');
+    }
+    if (p != last && *p == '.') {
+        for (++p; p != last && *p >= '0' && *p <= '9'; ++p) {
+            any = true;
+            --exponent;
+            if (mantissa == 0 && *p == '0')
+                continue;
+            if (++digits > 19)
+                return false;
+            mantissa = mantissa * 10 + static_cast<uint64_t>(*p - '0');
+        }
+    }
+    if (!any)
+        return false;
+    if (p != last && (*p == 'e' || *p == 'E')) {
+        ++p;
+        bool negativeExponent = false;
+        if (p != last && (*p == '-' || *p == '+')) {
+            negativeExponent = *p == '-';
+            ++p;
+        }
+        if (p == last || *p < '0' || *p > '9')
+            return false;
+        int written = 0;
+        for (; p != last && *p >= '0' && *p <= '9'; ++p) {
+            if (written > 1000)
+                return false;
+            written = written * 10 + (*p - '0');
+        }
+        exponent += negativeExponent ? -written : written;
+    }
+    if (p != last)
+        return false;
+    if (mantissa > (1ULL << 53) || exponent < -22 || exponent > 22)
+        return false;
+    double result = static_cast<double>(mantissa);
+    if (exponent < 0)
+        result /= kExactDoublePowers[-exponent];
+    else
+        result *= kExactDoublePowers[exponent];
+    if (result != 0.0 && (result < 1.1754943508222875e-38 || result > 3.4028234663852886e38))
+        return false;
+    uint64_t bits;
+    std::memcpy(&bits, &result, sizeof(bits));
+    if ((bits & ((1ULL << 29) - 1)) == (1ULL << 28))
+        return false; // exactly half-way between two floats
+    const auto single = static_cast<float>(result);
+    value = negative ? -single : single;
+    return true;
+}
+
 std::string pad(std::string digits, bool negative, int minWidth, char fill)
 {
     const std::size_t width = minWidth > 0 ? static_cast<std::size_t>(minWidth) : 0;
@@ -330,6 +409,29 @@ std::size_t vkStringUtils::formatFloat(char* buffer, std::size_t size, double va
     }
     *end = '\0';
     return static_cast<std::size_t>(end - buffer);
+}
+
+bool vkStringUtils::toFloat(const char* first, const char* last, float& value)
+{
+    if (toFloatFast(first, last, value))
+        return true;
+    const auto length = static_cast<std::size_t>(last - first);
+    char stackBuffer[128];
+    std::string heapBuffer;
+    const char* text = stackBuffer;
+    if (length < sizeof(stackBuffer)) {
+        std::memcpy(stackBuffer, first, length);
+        stackBuffer[length] = '\0';
+    } else {
+        heapBuffer.assign(first, length);
+        text = heapBuffer.c_str();
+    }
+    char* end = nullptr;
+    const float number = strtof_l(text, &end, msCLocale);
+    if (end != text + length)
+        return false;
+    value = number;
+    return true;
 }
 
 std::string vkStringUtils::fromInt64(int64_t value, int minWidth, char fill)

@@ -38,6 +38,13 @@ public:
     // returns its length, or 0 when it does not fit; never allocates.
     static std::size_t formatFloat(char* buffer, std::size_t size, double value, int precision, FloatFormat format);
 
+    // Converts the whole of [first, last) to a float exactly as strtof_l in
+    // the "C" locale would, and returns true only when strtof would consume
+    // every character. Plain decimals ([sign]digits[.digits][e[sign]digits])
+    // take an exact fast path; every other form is handed to strtof_l.
+    // Never allocates for texts under 128 bytes.
+    static bool toFloat(const char* first, const char* last, float& value);
+
     // Decimal digits, left-padded with `fill` to at least minWidth characters.
     // A "0" fill goes between the sign and the digits, as printf does.
     static std::string fromInt64(int64_t value, int minWidth = 1, char fill = '0');
