@@ -12,6 +12,7 @@
 #include <svg/Items.h>
 #include <svg/Library.h>
 #include <svg/Options.h>
+#include <svg/PathBuilder.h>
 #include <svg/PathCommand.h>
 #include <svg/PathData.h>
 #include <svg/PathPrimitives.h>

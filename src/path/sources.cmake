@@ -3,5 +3,6 @@
 target_sources(vkSvgObjects PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/PathCommand.cpp
   ${CMAKE_CURRENT_LIST_DIR}/PathData.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/PathPrimitives.cpp)
+  ${CMAKE_CURRENT_LIST_DIR}/PathPrimitives.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/PathBuilder.cpp)
 target_link_libraries(vkSvgObjects PRIVATE utf8cpp)
