@@ -253,3 +253,19 @@ TEST(ParseXmlStream, DeviceFailuresAndHandlerExceptionsEndTheParse)
         EXPECT_EQ(handler.events.back(), "<r>");
     }
 }
+
+TEST(ParseXmlStream, EncodingErrorsReachTheHandlerNotStandardError)
+{
+    // 0x82 0x20 is no Shift_JIS character: libxml2 reports it through its
+    // generic channel, which would print it.
+    testing::internal::CaptureStderr();
+    bool ok = true;
+    const Events events =
+        parse(std::string("<?xml version=\"1.0\" encoding=\"Shift_JIS\"?><a>\x82\x20</a>"), nullptr, ok);
+    const std::string printed = testing::internal::GetCapturedStderr();
+    EXPECT_FALSE(ok);
+    EXPECT_EQ(printed, "");
+    ASSERT_FALSE(events.empty());
+    EXPECT_EQ(events.back(), "!1 The XML document is not well-formed: input conversion failed due to input error, "
+                             "bytes 0x82 0x20 0x3C 0x2F");
+}

@@ -10,8 +10,10 @@
 #include <libxml/parserInternals.h>
 #include <libxml/xmlerror.h>
 
+#include <cstdarg>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <exception>
 #include <string>
@@ -94,6 +96,7 @@ private:
     static xmlParserInputPtr onResolveEntity(void* ctx, const xmlChar* publicId, const xmlChar* systemId);
     static void onExternalSubset(void* ctx, const xmlChar* name, const xmlChar* externalId, const xmlChar* systemId);
     static void onStructuredError(void* ctx, xmlErrorPtr error);
+    static void onGenericError(void* ctx, const char* format, ...);
 
     static SaxSession* from(void* ctx)
     {
@@ -201,6 +204,9 @@ private:
     std::string mMessage;
 
     std::exception_ptr mException;
+    // What libxml2 reported through its generic channel (encoding errors
+    // among others), which would otherwise go to standard error.
+    std::string mGenericText;
     std::uint64_t mBytesRead = 0;
     std::uint64_t mExpandedBytes = 0;
     unsigned int mDepth = 0;
@@ -450,8 +456,44 @@ void SaxSession::onStructuredError(void* ctx, xmlErrorPtr error)
     self->guarded(nullptr, [&] { self->reportError(*error); });
 }
 
+void SaxSession::onGenericError(void* ctx, const char* format, ...)
+{
+    auto* self = static_cast<SaxSession*>(ctx);
+    if (self == nullptr || format == nullptr || self->mGenericText.size() > 4096)
+        return;
+    char text[1024];
+    va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(text, sizeof(text), format, arguments);
+    va_end(arguments);
+    self->mGenericText += text;
+}
+
+namespace {
+
+// libxml2's generic error channel is per thread: taken over for the parse
+// and handed back afterwards, whatever happens.
+class GenericErrorRedirect {
+public:
+    GenericErrorRedirect(void* context, xmlGenericErrorFunc function)
+        : mFunction(xmlGenericError), mContext(xmlGenericErrorContext)
+    {
+        xmlSetGenericErrorFunc(context, function);
+    }
+    ~GenericErrorRedirect() { xmlSetGenericErrorFunc(mContext, mFunction); }
+    GenericErrorRedirect(const GenericErrorRedirect&) = delete;
+    GenericErrorRedirect& operator=(const GenericErrorRedirect&) = delete;
+
+private:
+    xmlGenericErrorFunc mFunction;
+    void* mContext;
+};
+
+} // namespace
+
 bool SaxSession::run(vk::vkIoDevice& device)
 {
+    const GenericErrorRedirect redirect(this, &SaxSession::onGenericError);
     xmlSAXHandler sax;
     std::memset(&sax, 0, sizeof(sax));
     sax.initialized = XML_SAX2_MAGIC;
@@ -526,7 +568,13 @@ bool SaxSession::run(vk::vkIoDevice& device)
 
     if (!mFailed && !mDocumentEnded) {
         mFailed = true;
-        mHandler.parserMessage("The XML document is not well-formed", XmlSaxParserHandler::Fatal);
+        // The generic channel's first line says why, when there is one.
+        std::string reason = mGenericText.substr(0, mGenericText.find('\n'));
+        while (!reason.empty() && reason.back() == ' ')
+            reason.pop_back();
+        mHandler.parserMessage(reason.empty() ? "The XML document is not well-formed"
+                                              : "The XML document is not well-formed: " + reason,
+                               XmlSaxParserHandler::Fatal);
     }
     return !mFailed && mDocumentEnded && mDocumentAccepted;
 }
