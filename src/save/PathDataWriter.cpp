@@ -7,7 +7,7 @@
 #include <vkSystem/vkStringUtils.h>
 
 #include <algorithm>
-#include <cctype>
+#include <cmath>
 #include <cstring>
 #include <vector>
 
@@ -27,7 +27,7 @@ constexpr const char* kPatterns[] = {
     "",                               // Z
 };
 
-bool isDigit(char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; }
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 // The path grammar repeats a command, and turns a repeated move into
 // line-tos, when the letter is left out.
@@ -104,29 +104,34 @@ private:
         mLength += length + (blank ? 1 : 0);
     }
 
-    // Formats one slot to the right of the end, so that the separator can
-    // go in front once the first character is known.
+    // The separator is decided before formatting: a number starts with a
+    // digit unless it is negative or not finite. The one exception, a small
+    // negative value that prints as "-0" and is written "0", is mended after.
     void appendNumber(float value)
     {
         constexpr std::size_t kSlot = 64;
-        char* at = reserve(kSlot);
-        std::size_t length = vk::vkStringUtils::formatFloat(at + 1, kSlot - 1, value, mOptions.precision,
+        char* at = reserve(kSlot + 1);
+        const bool afterDigit = mLength > 0 && isDigit(mBuffer[mLength - 1]);
+        const bool digitFirst = std::isfinite(value) && !std::signbit(value);
+        const bool blank = mLength > 0 && (mOptions.prettyPrint || (afterDigit && digitFirst));
+        if (blank)
+            *at++ = ' ';
+        std::size_t length = vk::vkStringUtils::formatFloat(at, kSlot, value, mOptions.precision,
                                                             vk::vkStringUtils::FloatFormat::FixedTrimZeros);
         if (length == 0) { // a precision too large for the slot
             appendToken(impl::SvgNumberText(value, mOptions.precision).c_str());
             return;
         }
-        if (length == 2 && at[1] == '-' && at[2] == '0') {
-            at[1] = '0';
-            length = 1;
+        if (length == 2 && at[0] == '-' && at[1] == '0') {
+            if (!blank && afterDigit) {
+                at[0] = ' ';
+                at[1] = '0';
+            } else {
+                at[0] = '0';
+                length = 1;
+            }
         }
-        if (needsBlankBefore(at[1])) {
-            at[0] = ' ';
-            mLength += length + 1;
-        } else {
-            std::memmove(at, at + 1, length);
-            mLength += length;
-        }
+        mLength += length + (blank ? 1 : 0);
     }
 
     std::vector<char>& mBuffer;

@@ -164,6 +164,17 @@ char* writeSmallInteger(char* out, uint32_t value)
         copyPair(out, value);
         return out + 2;
     }
+    if (value < 10000) {
+        const uint32_t high = value / 100;
+        if (high < 10) {
+            *out = static_cast<char>('0' + high);
+            copyPair(out + 1, value % 100);
+            return out + 3;
+        }
+        copyPair(out, high);
+        copyPair(out + 2, value % 100);
+        return out + 4;
+    }
     const int digits = countDigits(value);
     writeDigitsOf(out, value, digits);
     return out + digits;
