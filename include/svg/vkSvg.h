@@ -17,6 +17,7 @@
 #include <svg/PathData.h>
 #include <svg/PathPrimitives.h>
 #include <svg/RenderingProperties.h>
+#include <svg/Segmentation.h>
 #include <svg/TextSpace.h>
 #include <svg/Triangulation.h>
 #include <svg/UnitValue.h>

@@ -1,29 +1,35 @@
 #include <svg/BoundingBoxEstimation.h>
 #include <svg/Items.h>
-
-#include "segment/AffineMap.h"
+#include <svg/Segmentation.h>
 
 namespace vk::svg {
 
 namespace {
 
-void growByTree(const ItemInterface& item, BoundingBox& box, bool (*skip)(const ItemInterface&),
-                const Wm4::Matrix3<float>& parentMatrix)
-{
-    if (skip != nullptr && skip(item))
-        return;
-    const Wm4::Matrix3<float> matrix =
-        item.getTransform() ? impl::Compose(parentMatrix, *item.getTransform()) : parentMatrix;
-    BoundingBox own;
-    if (item.computeEstimatedBoundingVolume(own, matrix))
-        box.expandToContain(own);
-    const ItemType type = item.getType();
-    if (type != ItemType::Node && type != ItemType::Document)
-        return;
-    for (const std::shared_ptr<ItemInterface>& child : static_cast<const Node&>(item).getChildren())
-        if (child != nullptr)
-            growByTree(*child, box, skip, matrix);
-}
+// The same walk as segmentation, so that a box and a mesh of one tree
+// always agree on every item's transform.
+class BoxEstimator : private VisitorBase<BoxEstimator> {
+public:
+    BoxEstimator(BoundingBox& box, bool (*skip)(const ItemInterface&)) : mBox(box), mSkip(skip) {}
+
+    void run(const ItemInterface& item, const Wm4::Matrix3<float>& matrix) { walk(item, matrix); }
+
+private:
+    friend class VisitorBase<BoxEstimator>;
+
+    bool visitItem(const ItemInterface& item, const Wm4::Matrix3<float>& transform, const RenderingProperties&)
+    {
+        if (mSkip != nullptr && mSkip(item))
+            return false;
+        BoundingBox own;
+        if (item.computeEstimatedBoundingVolume(own, transform))
+            mBox.expandToContain(own);
+        return true;
+    }
+
+    BoundingBox& mBox;
+    bool (*mSkip)(const ItemInterface&);
+};
 
 } // namespace
 
@@ -31,7 +37,7 @@ void ComputeEstimatedBoundingBox(const ItemInterface& item, BoundingBox& box, bo
                                  const Wm4::Matrix3<float>* matrix)
 {
     box = BoundingBox();
-    growByTree(item, box, skip, matrix != nullptr ? *matrix : Wm4::Matrix3<float>::IDENTITY);
+    BoxEstimator(box, skip).run(item, matrix != nullptr ? *matrix : Wm4::Matrix3<float>::IDENTITY);
 }
 
 void Document::computeEstimatedViewboxFromContent()
