@@ -38,6 +38,21 @@ const std::vector<Command>& commands()
          "indented output, no Exporter/Datetime comments, unsupported content skipped. Messages go to standard "
          "error.",
          runConvertCommand},
+        {"mesh", "IN -o OUT [--lenient]",
+         "Segment IN and write the result to OUT: .obj (one object per shape, outline as lines, fill as triangles) or "
+         ".json (points, index pairs, triangle vertices and indices, fill and stroke colours, stroke width). Prints "
+         "the numbers of primitives, outline points and triangles, and of shapes whose fill could not be "
+         "triangulated; exits with 1 when segmentation stopped at a stroked one.",
+         runMeshCommand},
+        {"render", "IN -o OUT.png [--width W] [--height H] [--background COLOR] [--wireframe] [--lenient]",
+         "Draw the segmentation of IN as a PNG: fills from their triangles, outlines in their stroke colour and "
+         "width, the viewBox (or the estimated box) fitted to W x H (default width 512, height by aspect ratio) on "
+         "COLOR (default white; none for transparent). --wireframe also outlines every triangle.",
+         runRenderCommand},
+        {"bbox", "IN [--lenient]",
+         "Print the estimated bounding box (min x, min y, max x, max y) of the document and of each of its "
+         "top-level items, or \"empty\" for items without geometry.",
+         runBboxCommand},
     };
     return table;
 }

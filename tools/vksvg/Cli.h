@@ -28,6 +28,9 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
 int runColorCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 int runInfoCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 int runConvertCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+int runMeshCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+int runRenderCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+int runBboxCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 
 } // namespace vksvg
 

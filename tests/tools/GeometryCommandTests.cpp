@@ -1,0 +1,174 @@
+// vksvg mesh, render and bbox, run in process on documents of their own.
+#include "GeometryCommands.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <unistd.h>
+
+namespace {
+
+struct ToolRun {
+    int code;
+    std::string out;
+    std::string err;
+};
+
+using Command = int (*)(const std::vector<std::string>&, std::ostream&, std::ostream&);
+
+ToolRun RunCommand(Command command, const std::vector<std::string>& args)
+{
+    std::ostringstream out;
+    std::ostringstream err;
+    const int code = command(args, out, err);
+    return {code, out.str(), err.str()};
+}
+
+class GeometryCommands : public ::testing::Test {
+protected:
+    // A file under the test directory, removed after the test; written
+    // when `text` is given.
+    std::string Path(const std::string& name, const char* text = nullptr)
+    {
+        const std::string path = ::testing::TempDir() + "/vksvg_geo_" + std::to_string(::getpid()) + "_" + name;
+        if (std::find(mFiles.begin(), mFiles.end(), path) == mFiles.end())
+            mFiles.push_back(path);
+        if (text != nullptr)
+            std::ofstream(path, std::ios::binary) << text;
+        return path;
+    }
+    static std::string Read(const std::string& path)
+    {
+        std::ifstream in(path, std::ios::binary);
+        std::ostringstream text;
+        text << in.rdbuf();
+        return text.str();
+    }
+    static std::size_t CountLines(const std::string& text, const std::string& prefix)
+    {
+        std::size_t count = text.rfind(prefix, 0) == 0 ? 1 : 0;
+        for (std::size_t at = text.find("\n" + prefix); at != std::string::npos; at = text.find("\n" + prefix, at + 1))
+            ++count;
+        return count;
+    }
+    void TearDown() override
+    {
+        for (const std::string& file : mFiles)
+            std::remove(file.c_str());
+    }
+
+private:
+    std::vector<std::string> mFiles;
+};
+
+// A filled red square under a translation, a stroked line and a text.
+const char* const kDrawing = "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 40 20\">"
+                             "<g id=\"layer\" transform=\"translate(10 5)\">"
+                             "<rect id=\"box\" width=\"10\" height=\"10\" fill=\"red\"/></g>"
+                             "<line x1=\"0\" y1=\"0\" x2=\"40\" y2=\"20\" stroke=\"blue\" stroke-width=\"2\"/>"
+                             "<text x=\"1\" y=\"2\">t</text></svg>";
+
+// The outline has a corner on another contour's edge: it cannot be filled.
+const char* const kUnfillable = "<svg xmlns=\"http://www.w3.org/2000/svg\">"
+                                "<path d=\"M0 0 H10 V10 H0 Z M5 0 L7 5 L3 5 Z\" fill=\"green\"/></svg>";
+
+} // namespace
+
+TEST_F(GeometryCommands, MeshWritesObjAndJson)
+{
+    const std::string in = Path("drawing.svg", kDrawing);
+    const ToolRun obj = RunCommand(vksvg::runMeshCommand, {in, "-o", Path("mesh.obj")});
+    EXPECT_EQ(obj.code, 0) << obj.err;
+    EXPECT_EQ(obj.out, "Primitives: 2\nContour points: 6\nTriangles: 2\nFailed shapes: 0\n");
+    const std::string objText = Read(Path("mesh.obj"));
+    EXPECT_EQ(CountLines(objText, "o "), 2u);
+    EXPECT_EQ(CountLines(objText, "v "), 4u + 4u + 2u); // square outline, its trapezoid, the line
+    EXPECT_EQ(CountLines(objText, "l "), 5u);
+    EXPECT_NE(objText.find("\nv 10 5 0\n"), std::string::npos);
+    EXPECT_NE(objText.find("\nf 5 6 8\n"), std::string::npos); // numbered after the outline, from 1
+    EXPECT_NE(objText.find("\nl 9 10\n"), std::string::npos);
+
+    const ToolRun json = RunCommand(vksvg::runMeshCommand, {in, "-o", Path("mesh.json")});
+    EXPECT_EQ(json.code, 0) << json.err;
+    const std::string jsonText = Read(Path("mesh.json"));
+    EXPECT_NE(jsonText.find("\"points\":[[10,5],[20,5],[20,15],[10,15]],\"indices\":[[0,1],[1,2],[2,3],[3,0]]"),
+              std::string::npos)
+        << jsonText;
+    EXPECT_NE(jsonText.find("\"fill\":[1,0,0,1],\"stroke\":null,\"strokeWidth\":1}"), std::string::npos);
+    EXPECT_NE(jsonText.find("\"triangleVertices\":[],\"triangleIndices\":[],\"fill\":[0,0,0,1],"
+                            "\"stroke\":[0,0,1,1],\"strokeWidth\":2}"),
+              std::string::npos);
+    EXPECT_NE(jsonText.find("\"failedShapes\":0,\"stopped\":false}"), std::string::npos);
+}
+
+TEST_F(GeometryCommands, MeshReportsShapesThatKeepOnlyTheirOutline)
+{
+    const ToolRun r = RunCommand(vksvg::runMeshCommand, {Path("bad.svg", kUnfillable), "-o", Path("bad.json")});
+    EXPECT_EQ(r.code, 0);
+    EXPECT_NE(r.out.find("Failed shapes: 1\n"), std::string::npos);
+    EXPECT_NE(r.err.find("Only its contour will be visible."), std::string::npos);
+    // The outline is drawn in the fill's paint instead.
+    EXPECT_NE(Read(Path("bad.json")).find("\"stroke\":[0,0.501961,0,1]"), std::string::npos);
+}
+
+TEST_F(GeometryCommands, RenderWritesAPngOfTheViewboxAspect)
+{
+    const std::string in = Path("drawing.svg", kDrawing);
+    const std::string png = Path("out.png");
+    const ToolRun r = RunCommand(vksvg::runRenderCommand, {in, "-o", png, "--width", "200"});
+    EXPECT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.out, "Wrote " + png + " (200x100): 2 primitives, 2 triangles, 0 failed shapes\n");
+    const std::string bytes = Read(png);
+    ASSERT_GT(bytes.size(), 24u);
+    EXPECT_EQ(bytes.substr(1, 3), "PNG");
+    const auto be32 = [&bytes](std::size_t at) {
+        return (unsigned(uint8_t(bytes[at])) << 24) | (unsigned(uint8_t(bytes[at + 1])) << 16) |
+               (unsigned(uint8_t(bytes[at + 2])) << 8) | unsigned(uint8_t(bytes[at + 3]));
+    };
+    EXPECT_EQ(be32(16), 200u); // IHDR width and height
+    EXPECT_EQ(be32(20), 100u);
+
+    const std::string wire = Path("wire.png");
+    EXPECT_EQ(
+        RunCommand(vksvg::runRenderCommand, {in, "-o", wire, "--height", "100", "--background", "none", "--wireframe"})
+            .code,
+        0);
+    EXPECT_NE(Read(wire), bytes);
+}
+
+TEST_F(GeometryCommands, BboxPrintsDocumentAndTopLevelItems)
+{
+    const ToolRun r = RunCommand(vksvg::runBboxCommand, {Path("drawing.svg", kDrawing)});
+    EXPECT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.out, "svg: 0 0 40 20\n"
+                     "  g \"layer\": 10 5 20 15\n"
+                     "  line: 0 0 40 20\n"
+                     "  text: empty\n");
+}
+
+TEST_F(GeometryCommands, UsageAndLoadFailures)
+{
+    const std::string in = Path("drawing.svg", kDrawing);
+    const std::vector<std::pair<Command, std::vector<std::string>>> usage = {
+        {vksvg::runMeshCommand, {in}},
+        {vksvg::runMeshCommand, {in, "-o", "mesh.stl"}},
+        {vksvg::runRenderCommand, {in, "-o", "x.png", "--width", "0"}},
+        {vksvg::runRenderCommand, {in, "-o", "x.png", "--background", "nocolour"}},
+        {vksvg::runRenderCommand, {"-o", "x.png"}},
+        {vksvg::runBboxCommand, {}},
+        {vksvg::runBboxCommand, {in, "--frobnicate"}},
+    };
+    for (const auto& [command, args] : usage) {
+        const ToolRun r = RunCommand(command, args);
+        EXPECT_EQ(r.code, 2) << args.back();
+        EXPECT_NE(r.err.find("Usage: vksvg"), std::string::npos);
+    }
+    const std::string missing = Path("missing.svg");
+    EXPECT_EQ(RunCommand(vksvg::runMeshCommand, {missing, "-o", Path("m.obj")}).code, 1);
+    EXPECT_EQ(RunCommand(vksvg::runRenderCommand, {missing, "-o", Path("m.png")}).code, 1);
+    EXPECT_EQ(RunCommand(vksvg::runBboxCommand, {missing}).code, 1);
+    EXPECT_EQ(RunCommand(vksvg::runRenderCommand, {in, "-o", "/nonexistent-dir/x.png"}).code, 1);
+}

@@ -1,0 +1,286 @@
+#include "Cli.h"
+#include "GeometryCommands.h"
+
+#include <svg/BoundingBoxEstimation.h>
+#include <svg/Color.h>
+
+#include <cairo.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <ostream>
+
+namespace vksvg {
+
+namespace {
+
+using vk::svg::BoundingBox;
+using vk::svg::SegmentedPrimitive;
+
+const char* const kUsage =
+    "Usage: vksvg render IN -o OUT.png [--width W] [--height H] [--background COLOR] [--wireframe] [--lenient]\n";
+
+constexpr int kDefaultWidth = 512;
+constexpr int kMaxSide = 16384;
+
+struct RenderOptions {
+    std::string input;
+    std::string output;
+    int width = 0;
+    int height = 0;
+    Wm4::Vector4<unsigned char> background{255, 255, 255, 255};
+    bool wireframe = false;
+    bool lenient = false;
+};
+
+bool ParseSide(const std::string& text, int& side)
+{
+    errno = 0;
+    char* end = nullptr;
+    const long value = std::strtol(text.c_str(), &end, 10);
+    if (text.empty() || *end != '\0' || errno != 0 || value < 1 || value > kMaxSide)
+        return false;
+    side = static_cast<int>(value);
+    return true;
+}
+
+bool ParseArguments(const std::vector<std::string>& args, RenderOptions& options)
+{
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        const std::string& arg = args[i];
+        const bool hasValue = i + 1 < args.size();
+        if (arg == "-o" && hasValue && options.output.empty()) {
+            options.output = args[++i];
+        } else if (arg == "--width" && hasValue) {
+            if (!ParseSide(args[++i], options.width))
+                return false;
+        } else if (arg == "--height" && hasValue) {
+            if (!ParseSide(args[++i], options.height))
+                return false;
+        } else if (arg == "--background" && hasValue) {
+            const std::string& color = args[++i];
+            if (color == "none")
+                options.background = Wm4::Vector4<unsigned char>(0, 0, 0, 0);
+            else if (!vk::svg::ParseSvgColor(color, options.background))
+                return false;
+        } else if (arg == "--wireframe") {
+            options.wireframe = true;
+        } else if (arg == "--lenient") {
+            options.lenient = true;
+        } else if (options.input.empty() && !(arg.size() > 1 && arg[0] == '-')) {
+            options.input = arg;
+        } else {
+            return false;
+        }
+    }
+    return !options.input.empty() && !options.output.empty();
+}
+
+bool Usable(const BoundingBox& box)
+{
+    return box.isValid() && std::isfinite(box.getMinPoint().X()) && std::isfinite(box.getMinPoint().Y()) &&
+           std::isfinite(box.getMaxPoint().X()) && std::isfinite(box.getMaxPoint().Y());
+}
+
+// What the picture shows: the viewBox, else the estimated box, else
+// whatever the segmentation covers (estimates leave curves out).
+BoundingBox SourceBox(const vk::svg::Node& tree, const vk::svg::SegmenterVisitor& visitor)
+{
+    if (tree.getType() == vk::svg::ItemType::Document) {
+        const auto& viewbox = static_cast<const vk::svg::Document&>(tree).getViewbox();
+        if (viewbox && Usable(*viewbox) && viewbox->getWidth() > 0 && viewbox->getHeight() > 0)
+            return *viewbox;
+    }
+    BoundingBox box;
+    vk::svg::ComputeEstimatedBoundingBox(tree, box, nullptr, nullptr);
+    if (!Usable(box)) {
+        box = BoundingBox();
+        for (const auto& primitive : visitor.getSegmentedPrimitives())
+            for (const auto& p : primitive->getPoints())
+                if (std::isfinite(p.X()) && std::isfinite(p.Y()))
+                    box.expandToContain(p);
+    }
+    if (!Usable(box))
+        return BoundingBox(Wm4::Vector2<float>(0, 0), Wm4::Vector2<float>(1, 1));
+    // A flat drawing still needs an extent to scale by.
+    const float pad = std::max(box.getWidth(), box.getHeight()) * 0.5f;
+    const float grow = pad > 0 ? pad : 0.5f;
+    box.addMargin(Wm4::Vector2<float>(box.getWidth() > 0 ? 0 : grow, box.getHeight() > 0 ? 0 : grow));
+    return box;
+}
+
+// Cairo stops drawing altogether after a non-finite coordinate, so those
+// triangles and segments are left out.
+bool Finite(const Wm4::Vector2<float>& p) { return std::isfinite(p.X()) && std::isfinite(p.Y()); }
+
+void AddTriangles(cairo_t* cr, const SegmentedPrimitive& primitive)
+{
+    const auto& v = primitive.getTriangleVertices();
+    const auto& t = primitive.getTriangleIndices();
+    cairo_new_path(cr);
+    for (std::size_t i = 0; i + 2 < t.size(); i += 3) {
+        const auto& a = v[t[i]];
+        const auto& b = v[t[i + 1]];
+        const auto& c = v[t[i + 2]];
+        if (!Finite(a) || !Finite(b) || !Finite(c))
+            continue;
+        cairo_move_to(cr, a.X(), a.Y());
+        cairo_line_to(cr, b.X(), b.Y());
+        cairo_line_to(cr, c.X(), c.Y());
+        cairo_close_path(cr);
+    }
+}
+
+void SetSource(cairo_t* cr, const Wm4::ColorRGBA& color)
+{
+    cairo_set_source_rgba(cr, color.R(), color.G(), color.B(), color.A());
+}
+
+// All of one shape's triangles as one path, filled once: separate fills
+// would leave antialiased seams along every shared edge.
+void FillTriangles(cairo_t* cr, const SegmentedPrimitive& primitive)
+{
+    if (primitive.getTriangleIndices().size() < 3)
+        return;
+    AddTriangles(cr, primitive);
+    cairo_set_fill_rule(cr, CAIRO_FILL_RULE_WINDING);
+    SetSource(cr, primitive.getProperties().parseFillColor());
+    cairo_fill(cr);
+}
+
+// Consecutive pairs that share an end are one polyline, so that its
+// corners get joins instead of two caps.
+void TraceContour(cairo_t* cr, const SegmentedPrimitive& primitive)
+{
+    const auto& points = primitive.getPoints();
+    const auto& indices = primitive.getIndices();
+    cairo_new_path(cr);
+    for (std::size_t i = 0; i + 1 < indices.size(); i += 2) {
+        const auto& a = points[indices[i]];
+        const auto& b = points[indices[i + 1]];
+        if (!Finite(a) || !Finite(b)) {
+            cairo_new_sub_path(cr);
+            continue;
+        }
+        if (i == 0 || indices[i] != indices[i - 1] || !cairo_has_current_point(cr))
+            cairo_move_to(cr, a.X(), a.Y());
+        cairo_line_to(cr, b.X(), b.Y());
+    }
+}
+
+void StrokeContour(cairo_t* cr, const SegmentedPrimitive& primitive)
+{
+    const vk::svg::RenderingProperties& properties = primitive.getProperties();
+    const float width = properties.getStrokeWidth().value_or(1.0f);
+    if (!properties.hasStroke() || !(width > 0.0f) || primitive.getIndices().size() < 2)
+        return;
+    TraceContour(cr, primitive);
+    cairo_set_line_width(cr, width);
+    switch (properties.getStrokeLinecap().value_or(vk::svg::LineCap::Butt)) {
+    case vk::svg::LineCap::Round:
+        cairo_set_line_cap(cr, CAIRO_LINE_CAP_ROUND);
+        break;
+    case vk::svg::LineCap::Square:
+        cairo_set_line_cap(cr, CAIRO_LINE_CAP_SQUARE);
+        break;
+    default:
+        cairo_set_line_cap(cr, CAIRO_LINE_CAP_BUTT);
+        break;
+    }
+    switch (properties.getStrokeLinejoin().value_or(vk::svg::LineJoin::Miter)) {
+    case vk::svg::LineJoin::Round:
+    case vk::svg::LineJoin::Arcs:
+        cairo_set_line_join(cr, CAIRO_LINE_JOIN_ROUND);
+        break;
+    case vk::svg::LineJoin::Bevel:
+        cairo_set_line_join(cr, CAIRO_LINE_JOIN_BEVEL);
+        break;
+    default:
+        cairo_set_line_join(cr, CAIRO_LINE_JOIN_MITER);
+        break;
+    }
+    SetSource(cr, properties.parseStrokeColor());
+    cairo_stroke(cr);
+}
+
+// Every triangle outlined one device pixel wide, whatever the scale.
+void OutlineTriangles(cairo_t* cr, const SegmentedPrimitive& primitive, double pixel)
+{
+    AddTriangles(cr, primitive);
+    cairo_set_line_width(cr, pixel);
+    cairo_set_line_join(cr, CAIRO_LINE_JOIN_BEVEL);
+    cairo_set_source_rgba(cr, 0.9, 0.1, 0.4, 0.8);
+    cairo_stroke(cr);
+}
+
+} // namespace
+
+int runRenderCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err)
+{
+    RenderOptions options;
+    if (!ParseArguments(args, options)) {
+        err << kUsage;
+        return UsageError;
+    }
+
+    DocumentSession session(err);
+    std::shared_ptr<vk::svg::Node> tree;
+    if (!geometry::LoadTree(options.input, options.lenient, tree, err))
+        return Failure;
+    const geometry::Segmentation segmentation = geometry::SegmentTree(*tree, err);
+    const vk::svg::SegmenterVisitor& visitor = *segmentation.visitor;
+
+    // Keep the aspect ratio: a missing side follows from the other, and
+    // with both given the drawing is fitted and centred.
+    const BoundingBox box = SourceBox(*tree, visitor);
+    const double aspect = static_cast<double>(box.getHeight()) / box.getWidth();
+    int width = options.width;
+    int height = options.height;
+    if (width == 0 && height == 0)
+        width = kDefaultWidth;
+    if (width == 0)
+        width = std::clamp(static_cast<int>(std::lround(height / aspect)), 1, kMaxSide);
+    if (height == 0)
+        height = std::clamp(static_cast<int>(std::lround(width * aspect)), 1, kMaxSide);
+    const double scale =
+        std::min(width / static_cast<double>(box.getWidth()), height / static_cast<double>(box.getHeight()));
+
+    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
+    cairo_t* cr = cairo_create(surface);
+    const auto& bg = options.background;
+    cairo_set_source_rgba(cr, bg[0] / 255.0, bg[1] / 255.0, bg[2] / 255.0, bg[3] / 255.0);
+    cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
+    cairo_paint(cr);
+    cairo_set_operator(cr, CAIRO_OPERATOR_OVER);
+
+    cairo_translate(cr, (width - scale * box.getWidth()) / 2, (height - scale * box.getHeight()) / 2);
+    cairo_scale(cr, scale, scale);
+    cairo_translate(cr, -box.getMinPoint().X(), -box.getMinPoint().Y());
+    std::size_t triangles = 0;
+    for (const auto& primitive : visitor.getSegmentedPrimitives()) {
+        if (primitive->getProperties().hasFill())
+            FillTriangles(cr, *primitive);
+        StrokeContour(cr, *primitive);
+        triangles += primitive->getTriangleIndices().size() / 3;
+    }
+    if (options.wireframe)
+        for (const auto& primitive : visitor.getSegmentedPrimitives())
+            OutlineTriangles(cr, *primitive, 1.0 / scale);
+
+    cairo_surface_flush(surface);
+    const cairo_status_t status = cairo_surface_write_to_png(surface, options.output.c_str());
+    cairo_destroy(cr);
+    cairo_surface_destroy(surface);
+    if (status != CAIRO_STATUS_SUCCESS) {
+        err << "vksvg: cannot write \"" << options.output << "\": " << cairo_status_to_string(status) << '\n';
+        return Failure;
+    }
+    out << "Wrote " << options.output << " (" << width << "x" << height
+        << "): " << visitor.getSegmentedPrimitives().size() << " primitives, " << triangles << " triangles, "
+        << segmentation.failedShapes << " failed shapes\n";
+    return Success;
+}
+
+} // namespace vksvg
