@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds the library and the vksvg tool (Release)
-# and runs the tool on the bundled example.
+# Installs what is missing, builds the library and the vksvg tool (Release),
+# renders the bundled drawing to build/emblem.png and prints its mesh
+# statistics.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/deps.sh
@@ -11,5 +12,6 @@ cmake --build build -j"$(nproc)" --target vksvg
 
 vksvg=build/tools/vksvg/vksvg
 "$vksvg" --version
-mapfile -t colours < examples/palette.txt
-"$vksvg" color "${colours[@]}"
+"$vksvg" info examples/emblem.svg
+"$vksvg" render examples/emblem.svg -o build/emblem.png --width 640
+"$vksvg" mesh examples/emblem.svg -o build/emblem.obj
