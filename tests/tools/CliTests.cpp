@@ -1,4 +1,4 @@
-#include "Cli.h"
+#include "ToolTestSupport.h"
 
 #include <svg/Version.h>
 
@@ -6,21 +6,11 @@
 
 #include <sstream>
 
+using tooltest::CliRun;
+
 namespace {
 
-struct CliRun {
-    int code;
-    std::string out;
-    std::string err;
-};
-
-CliRun run(const std::vector<std::string>& args)
-{
-    std::ostringstream out;
-    std::ostringstream err;
-    const int code = vksvg::runCli(args, out, err);
-    return {code, out.str(), err.str()};
-}
+CliRun run(const std::vector<std::string>& args) { return tooltest::RunTool(args); }
 
 } // namespace
 

@@ -1,60 +1,11 @@
 // vksvg info and vksvg convert, run in process on documents of their own.
-#include "Cli.h"
-
-#include <gtest/gtest.h>
-
-#include <cstdio>
-#include <fstream>
-#include <sstream>
-#include <unistd.h>
+#include "ToolTestSupport.h"
 
 namespace {
 
-struct CliRun {
-    int code;
-    std::string out;
-    std::string err;
-};
-
-CliRun RunTool(const std::vector<std::string>& args)
-{
-    std::ostringstream out;
-    std::ostringstream err;
-    const int code = vksvg::runCli(args, out, err);
-    return {code, out.str(), err.str()};
-}
-
-class DocumentCommands : public ::testing::Test {
-protected:
-    std::string Write(const std::string& name, const std::string& text)
-    {
-        const std::string path = ::testing::TempDir() + "/vksvg_cli_" + std::to_string(::getpid()) + "_" + name;
-        std::ofstream(path, std::ios::binary) << text;
-        mFiles.push_back(path);
-        return path;
-    }
-    std::string Path(const std::string& name)
-    {
-        const std::string path = ::testing::TempDir() + "/vksvg_cli_" + std::to_string(::getpid()) + "_" + name;
-        mFiles.push_back(path);
-        return path;
-    }
-    static std::string Read(const std::string& path)
-    {
-        std::ifstream in(path, std::ios::binary);
-        std::ostringstream text;
-        text << in.rdbuf();
-        return text.str();
-    }
-    void TearDown() override
-    {
-        for (const std::string& file : mFiles)
-            std::remove(file.c_str());
-    }
-
-private:
-    std::vector<std::string> mFiles;
-};
+using tooltest::CliRun;
+using tooltest::RunTool;
+using DocumentCommands = tooltest::TempFiles;
 
 const char* const kDrawing = "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 100 50\">"
                              "<style>.a{}</style>"
@@ -167,10 +118,10 @@ TEST_F(DocumentCommands, ConvertFailsOnLoadOrSaveFailures)
     EXPECT_EQ(unwritable.code, 1);
     EXPECT_EQ(unwritable.err, "Fail to open file\n");
 
-    const CliRun empty = RunTool({"convert", Write("style.svg", "<style/>"), "-"});
+    const std::string emptyFile = Write("style.svg", "<style/>");
+    const CliRun empty = RunTool({"convert", emptyFile, "-"});
     EXPECT_EQ(empty.code, 1);
-    EXPECT_EQ(empty.err, "vksvg: \"" + ::testing::TempDir() + "/vksvg_cli_" + std::to_string(::getpid()) +
-                             "_style.svg\" holds no item to write\n");
+    EXPECT_EQ(empty.err, "vksvg: \"" + emptyFile + "\" holds no item to write\n");
 }
 
 TEST_F(DocumentCommands, UsageErrors)

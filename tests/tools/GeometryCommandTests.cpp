@@ -1,5 +1,6 @@
 // vksvg mesh, render and bbox, run in process on documents of their own.
 #include "GeometryCommands.h"
+#include "ToolTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -11,42 +12,14 @@
 
 namespace {
 
-struct ToolRun {
-    int code;
-    std::string out;
-    std::string err;
-};
+using tooltest::RunTool;
+using ToolRun = tooltest::CliRun;
+using tooltest::Command;
 
-using Command = int (*)(const std::vector<std::string>&, std::ostream&, std::ostream&);
+ToolRun RunCommand(tooltest::Command command, const std::vector<std::string>& args) { return RunTool(args, command); }
 
-ToolRun RunCommand(Command command, const std::vector<std::string>& args)
-{
-    std::ostringstream out;
-    std::ostringstream err;
-    const int code = command(args, out, err);
-    return {code, out.str(), err.str()};
-}
-
-class GeometryCommands : public ::testing::Test {
+class GeometryCommands : public tooltest::TempFiles {
 protected:
-    // A file under the test directory, removed after the test; written
-    // when `text` is given.
-    std::string Path(const std::string& name, const char* text = nullptr)
-    {
-        const std::string path = ::testing::TempDir() + "/vksvg_geo_" + std::to_string(::getpid()) + "_" + name;
-        if (std::find(mFiles.begin(), mFiles.end(), path) == mFiles.end())
-            mFiles.push_back(path);
-        if (text != nullptr)
-            std::ofstream(path, std::ios::binary) << text;
-        return path;
-    }
-    static std::string Read(const std::string& path)
-    {
-        std::ifstream in(path, std::ios::binary);
-        std::ostringstream text;
-        text << in.rdbuf();
-        return text.str();
-    }
     static std::size_t CountLines(const std::string& text, const std::string& prefix)
     {
         std::size_t count = text.rfind(prefix, 0) == 0 ? 1 : 0;
@@ -54,14 +27,6 @@ protected:
             ++count;
         return count;
     }
-    void TearDown() override
-    {
-        for (const std::string& file : mFiles)
-            std::remove(file.c_str());
-    }
-
-private:
-    std::vector<std::string> mFiles;
 };
 
 // A filled red square under a translation, a stroked line and a text.
