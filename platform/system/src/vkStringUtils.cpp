@@ -413,6 +413,14 @@ std::size_t vkStringUtils::formatFloat(char* buffer, std::size_t size, double va
 {
     if (size == 0)
         return 0;
+    // The writers' hot path goes straight to the exact fixed formatter.
+    if (format != FloatFormat::Scientific) {
+        if (char* end = formatFixedExact(buffer, buffer + size - 1, value, precision < 0 ? 6 : precision,
+                                         format == FloatFormat::FixedTrimZeros)) {
+            *end = '\0';
+            return static_cast<std::size_t>(end - buffer);
+        }
+    }
     char* end = formatInto(buffer, buffer + size - 1, value, precision, format);
     if (end == nullptr) {
         buffer[0] = '\0';
