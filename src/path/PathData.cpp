@@ -86,6 +86,20 @@ int PathVisitorStrToTokens::consumeCoordinate(Cursor& it, float& value)
     const char* const start = mText.data() + offsetOf(it);
     const char* const end = mText.data() + mText.size();
 
+    // The usual number is a plain decimal, converted while it is read. It is
+    // the run when the run could not go on after it: not over a digit, an
+    // exponent letter or a point, nor a byte beyond ASCII (which must be
+    // decoded first). Anything else takes the rules below.
+    float plain;
+    if (const char* plainEnd = vk::vkStringUtils::toFloatPrefix(start, end, plain)) {
+        const auto next = plainEnd == end ? 0u : static_cast<unsigned char>(*plainEnd);
+        if (!IsDigit(next) && next != 'e' && next != 'E' && next != '.' && next < 0x80) {
+            it += plainEnd - start;
+            value = plain;
+            return kMatched;
+        }
+    }
+
     // The run: digits and exponent letters always, a sign first or right
     // after an exponent letter, one point.
     const char* p = start;

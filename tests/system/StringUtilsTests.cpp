@@ -266,3 +266,31 @@ TEST(ToFloat, AgreesWithStrtofBitForBit)
                              "1.00000005960464477539", "1.0000000596046448", "4.7019774e-38"})
         check(text);
 }
+
+TEST(ToFloat, PrefixStopsWherePlainDecimalsEnd)
+{
+    struct Case {
+        const char* text;
+        std::ptrdiff_t length; // -1: no plain decimal
+        float value;
+    };
+    const Case cases[] = {
+        {"12.5 3", 4, 12.5f},   {"-.25,", 4, -0.25f}, {"1e3x", 3, 1000.0f}, {"1e", 1, 1.0f},
+        {"1e+", 1, 1.0f},       {"2E-1L", 4, 0.2f},   {"5.", 2, 5.0f},      {"-", -1, 0.0f},
+        {".", -1, 0.0f},        {"inf", -1, 0.0f},    {"0x10", 1, 0.0f},    {"16777217", -1, 0.0f},
+        {"1.5.5", 3, 1.5f},
+    };
+    for (const Case& c : cases) {
+        float value = -7.0f;
+        const char* first = c.text;
+        const char* end = vkStringUtils::toFloatPrefix(first, first + std::strlen(first), value);
+        if (c.length < 0) {
+            EXPECT_EQ(end, nullptr) << c.text;
+            EXPECT_EQ(value, -7.0f) << c.text;
+        } else {
+            ASSERT_NE(end, nullptr) << c.text;
+            EXPECT_EQ(end - first, c.length) << c.text;
+            EXPECT_EQ(value, c.value) << c.text;
+        }
+    }
+}

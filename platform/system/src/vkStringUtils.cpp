@@ -295,9 +295,11 @@ constexpr double kExactDoublePowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6
 // decimal exponent within 22, one multiplication or division of two exact
 // doubles gives the correctly rounded double. Rounding that double to float
 // again is exact unless it sits exactly half-way between two floats, or in
-// the subnormal or overflow range: those are left to strtof. Returns false
-// when the text is not such a number.
-bool toFloatFast(const char* p, const char* last, float& value)
+// the subnormal or overflow range: those are left to strtof. Reads the
+// longest plain decimal at p ([sign]digits[.digits][e[sign]digits]; an
+// exponent letter without digits is not part of it) and returns its end, or
+// null when there is none or it needs strtof.
+const char* scanPlainDecimal(const char* p, const char* last, float& value)
 {
     bool negative = false;
     if (p != last && (*p == '-' || *p == '+')) {
@@ -313,7 +315,7 @@ bool toFloatFast(const char* p, const char* last, float& value)
         if (mantissa == 0 && *p == '0')
             continue; // leading zeros are not significant
         if (++digits > 19)
-            return false;
+            return nullptr;
         mantissa = mantissa * 10 + static_cast<uint64_t>(*p - '0');
     }
     if (p != last && *p == '.') {
@@ -323,47 +325,46 @@ bool toFloatFast(const char* p, const char* last, float& value)
             if (mantissa == 0 && *p == '0')
                 continue;
             if (++digits > 19)
-                return false;
+                return nullptr;
             mantissa = mantissa * 10 + static_cast<uint64_t>(*p - '0');
         }
     }
     if (!any)
-        return false;
+        return nullptr;
     if (p != last && (*p == 'e' || *p == 'E')) {
-        ++p;
+        const char* q = p + 1;
         bool negativeExponent = false;
-        if (p != last && (*p == '-' || *p == '+')) {
-            negativeExponent = *p == '-';
-            ++p;
+        if (q != last && (*q == '-' || *q == '+')) {
+            negativeExponent = *q == '-';
+            ++q;
         }
-        if (p == last || *p < '0' || *p > '9')
-            return false;
-        int written = 0;
-        for (; p != last && *p >= '0' && *p <= '9'; ++p) {
-            if (written > 1000)
-                return false;
-            written = written * 10 + (*p - '0');
+        if (q != last && *q >= '0' && *q <= '9') {
+            int written = 0;
+            for (; q != last && *q >= '0' && *q <= '9'; ++q) {
+                if (written > 1000)
+                    return nullptr;
+                written = written * 10 + (*q - '0');
+            }
+            exponent += negativeExponent ? -written : written;
+            p = q;
         }
-        exponent += negativeExponent ? -written : written;
     }
-    if (p != last)
-        return false;
     if (mantissa > (1ULL << 53) || exponent < -22 || exponent > 22)
-        return false;
+        return nullptr;
     double result = static_cast<double>(mantissa);
     if (exponent < 0)
         result /= kExactDoublePowers[-exponent];
     else
         result *= kExactDoublePowers[exponent];
     if (result != 0.0 && (result < 1.1754943508222875e-38 || result > 3.4028234663852886e38))
-        return false;
+        return nullptr;
     uint64_t bits;
     std::memcpy(&bits, &result, sizeof(bits));
     if ((bits & ((1ULL << 29) - 1)) == (1ULL << 28))
-        return false; // exactly half-way between two floats
+        return nullptr; // exactly half-way between two floats
     const auto single = static_cast<float>(result);
     value = negative ? -single : single;
-    return true;
+    return p;
 }
 
 std::string pad(std::string digits, bool negative, int minWidth, char fill)
@@ -430,10 +431,18 @@ std::size_t vkStringUtils::formatFloat(char* buffer, std::size_t size, double va
     return static_cast<std::size_t>(end - buffer);
 }
 
+const char* vkStringUtils::toFloatPrefix(const char* first, const char* last, float& value)
+{
+    return scanPlainDecimal(first, last, value);
+}
+
 bool vkStringUtils::toFloat(const char* first, const char* last, float& value)
 {
-    if (toFloatFast(first, last, value))
+    float fast;
+    if (scanPlainDecimal(first, last, fast) == last) {
+        value = fast;
         return true;
+    }
     const auto length = static_cast<std::size_t>(last - first);
     char stackBuffer[128];
     std::string heapBuffer;

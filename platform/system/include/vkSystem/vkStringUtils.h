@@ -45,6 +45,12 @@ public:
     // Never allocates for texts under 128 bytes.
     static bool toFloat(const char* first, const char* last, float& value);
 
+    // The fast path of toFloat on its own: converts the longest plain decimal
+    // at `first` (an exponent letter without digits is not part of it) and
+    // returns its end, or null when there is none or it would need strtof_l.
+    // `value` is set only when the result is not null.
+    static const char* toFloatPrefix(const char* first, const char* last, float& value);
+
     // Decimal digits, left-padded with `fill` to at least minWidth characters.
     // A "0" fill goes between the sign and the digits, as printf does.
     static std::string fromInt64(int64_t value, int minWidth = 1, char fill = '0');
