@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <random>
 #include <sstream>
 
 using vk::vkStringUtils;
@@ -186,6 +187,51 @@ TEST(FromFloat, BufferAndAppendFormsAgreeWithTheStringForm)
     EXPECT_EQ(out.size(), 2u + 301u);
 }
 
+// The float form has a floating-point fast path of its own; it must give the
+// exact text of the widened value everywhere, ties and extremes included.
+TEST(FromFloat, FloatBufferFormMatchesToCharsOfTheWidenedValue)
+{
+    std::mt19937 random(7u);
+    const auto check = [](float value, int precision) {
+        char expected[512];
+        const auto result = std::to_chars(expected, expected + sizeof(expected), static_cast<double>(value),
+                                          std::chars_format::fixed, precision);
+        std::string text(expected, result.ptr);
+        char buffer[128];
+        ASSERT_EQ(vkStringUtils::formatFloat(buffer, sizeof(buffer), value, precision, Format::Fixed), text.size());
+        ASSERT_EQ(std::string(buffer), text) << value << " @" << precision;
+        if (text.find('.') != std::string::npos) {
+            text.erase(text.find_last_not_of('0') + 1);
+            if (text.back() == '.')
+                text.pop_back();
+        }
+        vkStringUtils::formatFloat(buffer, sizeof(buffer), value, precision, Format::FixedTrimZeros);
+        ASSERT_EQ(std::string(buffer), text) << value << " @" << precision;
+    };
+    for (int i = 0; i < 60000; ++i) {
+        // Any bit pattern but NaN; the exponent is drawn small more often,
+        // where drawings live and where rounding has work to do.
+        uint32_t bits = static_cast<uint32_t>(random());
+        if (i % 2 == 0)
+            bits = (bits & 0x807FFFFFu) | ((100u + bits % 60u) << 23);
+        float value;
+        std::memcpy(&value, &bits, sizeof(value));
+        if (std::isnan(value))
+            continue;
+        check(value, static_cast<int>(random() % 13));
+    }
+    for (int denominatorBits = 1; denominatorBits <= 16; ++denominatorBits)
+        for (int numerator = -999; numerator <= 999; numerator += 2)
+            for (int precision = 0; precision <= 12; ++precision)
+                check(std::ldexp(static_cast<float>(numerator), -denominatorBits), precision);
+    // Around the fast path's limits: 2^52 units at the default precision, and
+    // a thousand million before the decimals.
+    for (float value : {0.0f, -0.0f, 1e-45f, 5e-7f, 999999999.0f, 1e9f, 4503599627.0f, 4503600128.0f, 1e15f,
+                        -3.4028235e38f, std::numeric_limits<float>::infinity()})
+        for (int precision = 0; precision <= 12; ++precision)
+            check(value, precision);
+}
+
 TEST(FromFloat, ExactRoundingMatchesToCharsIncludingTies)
 {
     // Dyadic fractions are exact in binary, so many of them sit exactly
@@ -275,10 +321,9 @@ TEST(ToFloat, PrefixStopsWherePlainDecimalsEnd)
         float value;
     };
     const Case cases[] = {
-        {"12.5 3", 4, 12.5f},   {"-.25,", 4, -0.25f}, {"1e3x", 3, 1000.0f}, {"1e", 1, 1.0f},
-        {"1e+", 1, 1.0f},       {"2E-1L", 4, 0.2f},   {"5.", 2, 5.0f},      {"-", -1, 0.0f},
-        {".", -1, 0.0f},        {"inf", -1, 0.0f},    {"0x10", 1, 0.0f},    {"16777217", -1, 0.0f},
-        {"1.5.5", 3, 1.5f},
+        {"12.5 3", 4, 12.5f}, {"-.25,", 4, -0.25f},   {"1e3x", 3, 1000.0f}, {"1e", 1, 1.0f}, {"1e+", 1, 1.0f},
+        {"2E-1L", 4, 0.2f},   {"5.", 2, 5.0f},        {"-", -1, 0.0f},      {".", -1, 0.0f}, {"inf", -1, 0.0f},
+        {"0x10", 1, 0.0f},    {"16777217", -1, 0.0f}, {"1.5.5", 3, 1.5f},
     };
     for (const Case& c : cases) {
         float value = -7.0f;

@@ -1,5 +1,6 @@
 #include <vkSystem/vkStringUtils.h>
 
+#include <cfloat>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -154,7 +155,7 @@ bool scaleExactly(uint64_t mantissa, int exponent, int precision, uint64_t& unit
 void copyPair(char* out, uint32_t value) { std::memcpy(out, &kDigitPairs[value * 2], 2); }
 
 // The integer part, below 10^9, without leading zeros.
-char* writeSmallInteger(char* out, uint32_t value)
+__attribute__((always_inline)) inline char* writeSmallInteger(char* out, uint32_t value)
 {
     if (value < 10) {
         *out = static_cast<char>('0' + value);
@@ -181,24 +182,63 @@ char* writeSmallInteger(char* out, uint32_t value)
 }
 
 // The default precision, by far the most common: units are millionths.
-// Three digit pairs make the fraction, with no loop and no division by a
-// variable.
-char* writeSixDecimals(char* out, uint64_t units, bool trimZeros)
+// The six decimals are made side by side in one 64-bit word, a byte each
+// (three pairs split into tens and ones at once: x / 10 is x * 103 >> 10
+// below 100), so trailing zeros are found by counting zero bytes.
+__attribute__((always_inline)) inline char* writeSixDecimals(char* out, uint64_t units, bool trimZeros)
 {
+    static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the decimals are laid out for a little-endian store");
     const auto integerPart = static_cast<uint32_t>(units / 1000000);
     const auto fraction = static_cast<uint32_t>(units - static_cast<uint64_t>(integerPart) * 1000000);
     out = writeSmallInteger(out, integerPart);
     if (trimZeros && fraction == 0)
         return out;
+    const uint32_t low = fraction % 10000;
+    const uint64_t pairs = static_cast<uint64_t>(fraction / 10000) | (static_cast<uint64_t>(low / 100) << 16) |
+                           (static_cast<uint64_t>(low % 100) << 32);
+    const uint64_t tens = ((pairs * 103) >> 10) & 0x0000000F000F000FULL;
+    const uint64_t digits = tens | ((pairs - tens * 10) << 8); // first decimal in the lowest byte
+    const uint64_t text = digits + 0x0000303030303030ULL;
     out[0] = '.';
-    copyPair(out + 1, fraction / 10000);
-    copyPair(out + 3, (fraction / 100) % 100);
-    copyPair(out + 5, fraction % 100);
-    char* end = out + 7;
-    if (trimZeros)
-        while (end[-1] == '0')
-            --end; // stops at a digit: the fraction is not zero
-    return end;
+    std::memcpy(out + 1, &text, sizeof(text)); // two bytes past the decimals, inside the caller's room
+    if (!trimZeros)
+        return out + 7;
+    // The highest non-zero byte is the last significant decimal.
+    return out + 1 + (63 - __builtin_clzll(digits)) / 8 + 1;
+}
+
+// The digits of units / 10^precision for any precision; kept out of line
+// so that the common case below stays small.
+__attribute__((noinline)) char* writeUnitsAnyPrecision(char* out, uint64_t units, int precision, bool trimZeros)
+{
+    uint64_t integerPart;
+    uint64_t fraction;
+    splitAtPrecision(units, precision, integerPart, fraction);
+    const int integerDigits = countDigits(integerPart);
+    writeDigits(out, integerPart, integerDigits);
+    out += integerDigits;
+    if (precision > 0) {
+        *out = '.';
+        writeDigits(out + 1, fraction, precision);
+        char* end = out + 1 + precision;
+        if (trimZeros) {
+            while (end > out + 1 && end[-1] == '0')
+                --end;
+            if (end == out + 1)
+                end = out; // no fraction left: no point either
+        }
+        out = end;
+    }
+    return out;
+}
+
+// The digits of units / 10^precision: the integer part without leading
+// zeros, then the point and `precision` decimals.
+__attribute__((always_inline)) inline char* writeUnits(char* out, uint64_t units, int precision, bool trimZeros)
+{
+    if (precision == 6 && units < 1000000000ULL * 1000000ULL)
+        return writeSixDecimals(out, units, trimZeros);
+    return writeUnitsAnyPrecision(out, units, precision, trimZeros);
 }
 
 // Fixed notation by exact integer arithmetic: the value is m * 2^e, so
@@ -228,28 +268,7 @@ char* formatFixedExact(char* first, char* last, double value, int precision, boo
     char* out = first;
     if (negative)
         *out++ = '-';
-    if (precision == 6 && units < 1000000000ULL * 1000000ULL)
-        return writeSixDecimals(out, units, trimZeros);
-
-    uint64_t integerPart;
-    uint64_t fraction;
-    splitAtPrecision(units, precision, integerPart, fraction);
-    const int integerDigits = countDigits(integerPart);
-    writeDigits(out, integerPart, integerDigits);
-    out += integerDigits;
-    if (precision > 0) {
-        *out = '.';
-        writeDigits(out + 1, fraction, precision);
-        char* end = out + 1 + precision;
-        if (trimZeros) {
-            while (end > out + 1 && end[-1] == '0')
-                --end;
-            if (end == out + 1)
-                end = out; // no fraction left: no point either
-        }
-        out = end;
-    }
-    return out;
+    return writeUnits(out, units, precision, trimZeros);
 }
 
 // Writes into [first, last) and returns the end, or null when it did not fit.
@@ -290,6 +309,30 @@ char* formatInto(char* first, char* last, double value, int precision, vkStringU
 // Powers of ten that a double holds exactly.
 constexpr double kExactDoublePowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                          1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+// The same digits for a float by floating-point arithmetic alone. A float
+// is m * 2^e with m below 2^24, so |value| * 10^p is m * 5^p * 2^(e + p)
+// with m * 5^p below 2^46 for p up to 9: the product is exact in a double.
+// Below 2^52, adding and removing 2^52 then rounds it to an integer, half
+// to even, as the exact formatter does. Returns null for anything else.
+char* formatSingleFixed(char* out, float value, int precision, bool trimZeros)
+{
+#if defined(FLT_EVAL_METHOD) && FLT_EVAL_METHOD == 0
+    if (precision < 0 || precision > 9)
+        return nullptr;
+    const double scaled = std::fabs(static_cast<double>(value)) * kExactDoublePowers[precision];
+    if (!(scaled < 0x1p52))
+        return nullptr; // too large, infinite or NaN
+    const auto units = static_cast<uint64_t>((scaled + 0x1p52) - 0x1p52);
+    if (std::signbit(value))
+        *out++ = '-';
+    return writeUnits(out, units, precision, trimZeros);
+#else
+    // Wider intermediate precision would round twice.
+    (void)out, (void)value, (void)precision, (void)trimZeros;
+    return nullptr;
+#endif
+}
 
 // A plain decimal by Clinger's fast path: with at most 19 digits and a
 // decimal exponent within 22, one multiplication or division of two exact
@@ -408,6 +451,19 @@ void vkStringUtils::appendFloat(std::string& out, double value, int precision, F
     std::vector<char> heapBuffer(kStackBuffer + static_cast<std::size_t>(precision > 0 ? precision : 0));
     char* end = formatInto(heapBuffer.data(), heapBuffer.data() + heapBuffer.size(), value, precision, format);
     out.append(heapBuffer.data(), end != nullptr ? end : heapBuffer.data());
+}
+
+std::size_t vkStringUtils::formatFloat(char* buffer, std::size_t size, float value, int precision, FloatFormat format)
+{
+    // Every output of the float path fits 40 characters.
+    if (size > 40 && format != FloatFormat::Scientific) {
+        if (char* end = formatSingleFixed(buffer, value, precision < 0 ? 6 : precision,
+                                          format == FloatFormat::FixedTrimZeros)) {
+            *end = '\0';
+            return static_cast<std::size_t>(end - buffer);
+        }
+    }
+    return formatFloat(buffer, size, static_cast<double>(value), precision, format);
 }
 
 std::size_t vkStringUtils::formatFloat(char* buffer, std::size_t size, double value, int precision, FloatFormat format)

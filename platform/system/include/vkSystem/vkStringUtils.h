@@ -37,6 +37,8 @@ public:
     // Writes the text of fromFloatImpl into buffer (NUL-terminated) and
     // returns its length, or 0 when it does not fit; never allocates.
     static std::size_t formatFloat(char* buffer, std::size_t size, double value, int precision, FloatFormat format);
+    // The same for a float, with a faster path for the usual precisions.
+    static std::size_t formatFloat(char* buffer, std::size_t size, float value, int precision, FloatFormat format);
 
     // Converts the whole of [first, last) to a float exactly as strtof_l in
     // the "C" locale would, and returns true only when strtof would consume
