@@ -45,30 +45,34 @@ bool letterCanBeOmitted(unsigned type, int previous)
 }
 
 // Builds the text in a reusable character buffer: one path of a large
-// drawing costs no allocation and no per-number string handling.
+// drawing costs no allocation and no per-number string handling. Room is
+// made once per command, for its letter and its longest possible numbers.
 class PathDataBuilder {
 public:
-    PathDataBuilder(std::vector<char>& buffer, const SaveOptions& options) : mBuffer(buffer), mOptions(options) {}
+    PathDataBuilder(std::vector<char>& buffer, const SaveOptions& options)
+        : mBuffer(buffer), mOptions(options), mBegin(buffer.data()), mOut(mBegin), mEnd(mBegin + buffer.size())
+    {
+    }
 
     void append(const PathCommand& command)
     {
         const auto type = static_cast<unsigned>(command.type);
         if (type >= sizeof(kPatterns) / sizeof(kPatterns[0]))
             return; // an unknown command has no letter and no numbers
+        const char* const pattern = kPatterns[type];
+        const std::size_t count = std::min(std::strlen(pattern), command.values.size());
+        reserve(2 + count * (kSlot + 1));
         if (!letterCanBeOmitted(type, mPrevious)) {
-            char* at = reserve(2);
             if (mOptions.prettyPrint && mPrevious >= 0)
-                *at++ = ' ';
-            *at++ = kLetters[type];
-            mLength = static_cast<std::size_t>(at - mBuffer.data());
+                *mOut++ = ' ';
+            *mOut++ = kLetters[type];
         }
-        std::size_t index = 0;
-        for (const char* kind = kPatterns[type]; *kind != '\0' && index < command.values.size(); ++kind, ++index) {
-            const float value = command.values[index];
-            if (*kind == 'b')
-                appendToken(value == 0.0f ? "0" : "1");
+        const float* values = command.values.data();
+        for (std::size_t index = 0; index < count; ++index) {
+            if (pattern[index] == 'b')
+                appendFlag(values[index] == 0.0f ? '0' : '1');
             else
-                appendNumber(value);
+                appendNumber(values[index]);
         }
         mPrevious = static_cast<int>(type);
     }
@@ -76,32 +80,33 @@ public:
     // The text, NUL-terminated, valid until the buffer is used again.
     const char* finish()
     {
-        *reserve(1) = '\0';
-        return mBuffer.data();
+        reserve(1);
+        *mOut = '\0';
+        return mBegin;
     }
 
 private:
-    char* reserve(std::size_t count)
+    // Room for one number and the blank before it.
+    static constexpr std::size_t kSlot = 64;
+
+    void reserve(std::size_t count)
     {
-        if (mLength + count > mBuffer.size())
-            mBuffer.resize(std::max(mBuffer.size() * 2, mLength + count + 256));
-        return mBuffer.data() + mLength;
+        if (static_cast<std::size_t>(mEnd - mOut) >= count)
+            return;
+        const auto length = static_cast<std::size_t>(mOut - mBegin);
+        mBuffer.resize(std::max(mBuffer.size() * 2, length + count + 256));
+        mBegin = mBuffer.data();
+        mOut = mBegin + length;
+        mEnd = mBegin + mBuffer.size();
     }
 
-    bool needsBlankBefore(char first) const
-    {
-        return mLength > 0 && (mOptions.prettyPrint || (isDigit(mBuffer[mLength - 1]) && isDigit(first)));
-    }
+    bool afterDigit() const { return mOut != mBegin && isDigit(mOut[-1]); }
 
-    void appendToken(const char* token)
+    void appendFlag(char flag)
     {
-        const std::size_t length = std::strlen(token);
-        const bool blank = needsBlankBefore(token[0]);
-        char* at = reserve(length + 1);
-        if (blank)
-            *at++ = ' ';
-        std::memcpy(at, token, length);
-        mLength += length + (blank ? 1 : 0);
+        if (mOut != mBegin && (mOptions.prettyPrint || isDigit(mOut[-1])))
+            *mOut++ = ' ';
+        *mOut++ = flag;
     }
 
     // The separator is decided before formatting: a number starts with a
@@ -109,13 +114,11 @@ private:
     // negative value that prints as "-0" and is written "0", is mended after.
     void appendNumber(float value)
     {
-        constexpr std::size_t kSlot = 64;
-        char* at = reserve(kSlot + 1);
-        const bool afterDigit = mLength > 0 && isDigit(mBuffer[mLength - 1]);
+        const bool digitBefore = afterDigit();
         const bool digitFirst = std::isfinite(value) && !std::signbit(value);
-        const bool blank = mLength > 0 && (mOptions.prettyPrint || (afterDigit && digitFirst));
-        if (blank)
-            *at++ = ' ';
+        const bool blank = mOut != mBegin && (mOptions.prettyPrint || (digitBefore && digitFirst));
+        char* at = mOut + (blank ? 1 : 0);
+        *mOut = ' ';
         std::size_t length = vk::vkStringUtils::formatFloat(at, kSlot, value, mOptions.precision,
                                                             vk::vkStringUtils::FloatFormat::FixedTrimZeros);
         if (length == 0) { // a precision too large for the slot
@@ -123,7 +126,7 @@ private:
             return;
         }
         if (length == 2 && at[0] == '-' && at[1] == '0') {
-            if (!blank && afterDigit) {
+            if (!blank && digitBefore) {
                 at[0] = ' ';
                 at[1] = '0';
             } else {
@@ -131,12 +134,24 @@ private:
                 length = 1;
             }
         }
-        mLength += length + (blank ? 1 : 0);
+        mOut = at + length;
+    }
+
+    void appendToken(const char* token)
+    {
+        const std::size_t length = std::strlen(token);
+        reserve(length + 1);
+        if (mOut != mBegin && (mOptions.prettyPrint || (isDigit(mOut[-1]) && isDigit(token[0]))))
+            *mOut++ = ' ';
+        std::memcpy(mOut, token, length);
+        mOut += length;
     }
 
     std::vector<char>& mBuffer;
     const SaveOptions& mOptions;
-    std::size_t mLength = 0;
+    char* mBegin;
+    char* mOut;
+    char* mEnd;
     int mPrevious = -1;
 };
 
