@@ -307,10 +307,68 @@ TEST(ToFloat, AgreesWithStrtofBitForBit)
             text += "e" + std::to_string(static_cast<int>(next() % 90) - 45);
         check(text);
     }
+    // Long digit strings, whose leading and trailing zeros decide whether
+    // they fit the fast path's 19 digits.
+    for (int i = 0; i < 20000; ++i) {
+        std::string text(next() % 24, '0');
+        for (uint32_t k = 1 + next() % 22; k > 0; --k)
+            text += static_cast<char>('0' + next() % 10);
+        text += std::string(next() % 8, '0');
+        text.insert(next() % (text.size() + 1), ".");
+        check(text);
+    }
     for (const char* text : {"16777217", "16777219", "0.1", "1e-38", "1.17549435e-38", "3.4028235e38", "3.5e38",
                              "1e-45", "-0", "0.000000000000000000001", "9007199254740993", "8388608.5", "33554433",
                              "1.00000005960464477539", "1.0000000596046448", "4.7019774e-38"})
         check(text);
+}
+
+// Numbers followed by more text, as in path data, where digits are read
+// several at a time: the prefix must end where the grammar says and hold
+// strtof's value of exactly that prefix, whatever follows.
+TEST(ToFloat, PrefixOfGeneratedNumbersInLongerText)
+{
+    std::mt19937 random(11u);
+    const auto digits = [&](unsigned count) {
+        std::string text;
+        for (unsigned k = 0; k < count; ++k)
+            text += static_cast<char>('0' + random() % 10);
+        return text;
+    };
+    const char* const tails[] = {" 12 34", ",5,6,7,8,9", "L1 2 3 4", "-1.5 2",       ".5.5.5.5", "Z M 0 0 1",
+                                 "e",      "E+",         "ex 1 2 3", "\xC3\xA9 1 2", ""};
+    int fast = 0;
+    int total = 0;
+    for (int i = 0; i < 100000; ++i) {
+        // Run lengths around the eight characters read at a time.
+        std::string number = random() % 3 == 0 ? "-" : (random() % 8 == 0 ? "+" : "");
+        const unsigned integerDigits = random() % 11;
+        number += digits(integerDigits);
+        unsigned fractionDigits = 0;
+        if (integerDigits == 0 || random() % 4 != 0) {
+            number += '.';
+            fractionDigits = (integerDigits == 0 ? 1 : 0) + random() % 11;
+            number += digits(fractionDigits);
+        }
+        if (random() % 6 == 0)
+            number += (random() % 2 ? "e" : "E") + std::string(random() % 2 ? "-" : "") + digits(1 + random() % 2);
+        std::string tail = tails[random() % (sizeof(tails) / sizeof(tails[0]))];
+        if (tail[0] == '.' && number.find('.') == std::string::npos)
+            tail = " " + tail; // a first point would belong to the number
+        const std::string text = number + tail;
+        // Each length of slack after the number, down to none.
+        const std::string padded = text + "        ";
+        float value = -7.0f;
+        const char* end = vkStringUtils::toFloatPrefix(padded.data(), padded.data() + text.size(), value);
+        ++total;
+        if (end == nullptr)
+            continue; // left to strtof
+        ++fast;
+        ASSERT_EQ(end - padded.data(), static_cast<std::ptrdiff_t>(number.size())) << text;
+        const float expected = strtof_l(number.c_str(), nullptr, vkStringUtils::msCLocale);
+        ASSERT_EQ(std::memcmp(&value, &expected, sizeof(value)), 0) << text << " " << value << " " << expected;
+    }
+    EXPECT_GT(fast, total * 3 / 4);
 }
 
 TEST(ToFloat, PrefixStopsWherePlainDecimalsEnd)
