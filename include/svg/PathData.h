@@ -93,6 +93,10 @@ private:
     void deliver(char letter, std::vector<float>& values);
     // Reads one complete arc group onto `values`; kMatched or not.
     bool consumeArcGroup(Cursor& it, std::vector<float>& values);
+    // Reads the groups of the common shape that come next (plain numbers one
+    // blank or comma apart) in one quick loop, and stops before anything
+    // else, for the steps above to read.
+    void readPlainGroups(Cursor& it, std::vector<float>& values, const char* kinds);
 
     std::string mText;
     Callback mCallback;

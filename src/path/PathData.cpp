@@ -29,6 +29,65 @@ inline bool IsOneOf(char32_t c, std::string_view letters)
     return false;
 }
 
+// Whether a plain decimal ending at `next` is a whole number of the path
+// grammar: the run it belongs to goes no further.
+inline bool EndsNumber(const char* next, const char* end)
+{
+    if (next == end)
+        return true;
+    const auto c = static_cast<unsigned char>(*next);
+    return !IsDigit(c) && c != 'e' && c != 'E' && c != '.' && c < 0x80;
+}
+
+// Reads whole groups of the usual shape in one tight loop: plain numbers
+// (kind 'f') and flags (kind 'b', only for arcs) apart by one blank or one
+// comma, or by nothing before a minus, each group followed by any white
+// space. It stops at the start of the first group with anything else, and
+// returns where that is: the general steps read from there, and would have
+// read the groups before exactly so.
+const char* ConsumePlainGroups(const char* p, const char* end, std::vector<float>& values, const char* kinds)
+{
+    for (;;) {
+        const std::size_t sizeOnEntry = values.size();
+        const char* q = p;
+        for (const char* kind = kinds; *kind != '\0'; ++kind) {
+            if (kind != kinds) {
+                if (q != end && (*q == ' ' || *q == ',')) {
+                    ++q;
+                } else if (q == end || *q != '-') {
+                    q = nullptr;
+                    break;
+                }
+            }
+            if (*kind == 'b') {
+                if (q == end || (*q != '0' && *q != '1')) {
+                    q = nullptr;
+                    break;
+                }
+                values.push_back(*q == '1' ? 1.0f : 0.0f);
+                ++q;
+                continue;
+            }
+            float value;
+            const char* next = vk::vkStringUtils::toFloatPrefix(q, end, value);
+            if (next == nullptr || !EndsNumber(next, end)) {
+                q = nullptr;
+                break;
+            }
+            values.push_back(value);
+            q = next;
+        }
+        if (q == nullptr) {
+            values.resize(sizeOnEntry);
+            return p;
+        }
+        while (q != end && IsPathSpace(*q)) {
+            ++q;
+        }
+        p = q;
+    }
+}
+
 } // namespace
 
 PathVisitorStrToTokens::PathVisitorStrToTokens(const std::string& pathData, Callback callback)
@@ -42,6 +101,12 @@ char32_t PathVisitorStrToTokens::decode(Cursor it) const
 {
     // utfcpp validates the sequence and throws when it is malformed.
     return static_cast<char32_t>(utf8::peek_next(it, mEnd));
+}
+
+void PathVisitorStrToTokens::readPlainGroups(Cursor& it, std::vector<float>& values, const char* kinds)
+{
+    const char* const start = mText.data() + offsetOf(it);
+    it += ConsumePlainGroups(start, mText.data() + mText.size(), values, kinds) - start;
 }
 
 void PathVisitorStrToTokens::deliver(char letter, std::vector<float>& values)
@@ -206,7 +271,13 @@ int PathVisitorStrToTokens::consumeCommandWithFloatSequence(Cursor& it, std::str
     consumeAnyWhiteSpace(it);
     std::vector<float>& values = mValues;
     values.clear();
+    // Kinds of the groups for the quick reader; longer groups do not occur.
+    static constexpr const char* kNumbers[] = {"", "f", "ff", "fff", "ffff", "fffff", "ffffff"};
+    const char* const kinds = groupSize < sizeof(kNumbers) / sizeof(kNumbers[0]) ? kNumbers[groupSize] : nullptr;
     for (;;) {
+        if (kinds != nullptr && groupSize > 0) {
+            readPlainGroups(it, values, kinds);
+        }
         const int group = consumeCoordinateSequence(it, values, groupSize);
         if (group == kMatched) {
             // Only white space between groups: "L1,2 3,4" is two pairs, but
@@ -261,6 +332,7 @@ int PathVisitorStrToTokens::consumeEllipticalArcSequence(Cursor& it)
     std::vector<float>& values = mValues;
     values.clear();
     for (;;) {
+        readPlainGroups(it, values, "fffbbff");
         // A group that breaks off part-way leaves the cursor after the last
         // complete one; what follows is then read as the next command.
         Cursor scratch = it;
@@ -296,27 +368,34 @@ int PathVisitorStrToTokens::consumeDrawToCommand(Cursor& it)
     if (it == mEnd) {
         return kAbsent;
     }
-    int result = consumeCommandWithFloatSequence(it, "Ll", 2);
-    if (result == kAbsent) {
-        result = consumeCommandWithFloatSequence(it, "HhVv", 1);
-    }
-    if (result == kAbsent) {
-        result = consumeCommandWithFloatSequence(it, "Cc", 6);
-    }
-    if (result == kAbsent) {
-        result = consumeCommandWithFloatSequence(it, "Ss", 4);
-    }
-    if (result == kAbsent) {
-        result = consumeClosePath(it);
-    }
-    if (result == kAbsent) {
-        result = consumeEllipticalArcSequence(it);
-    }
-    if (result != kAbsent) {
-        return result;
-    }
-    if (IsOneOf(peek(it), "Mm")) {
+    // The letter picks the one alternative that can match; the others would
+    // each find it absent.
+    switch (peek(it)) {
+    case U'L':
+    case U'l':
+        return consumeCommandWithFloatSequence(it, "Ll", 2);
+    case U'H':
+    case U'h':
+    case U'V':
+    case U'v':
+        return consumeCommandWithFloatSequence(it, "HhVv", 1);
+    case U'C':
+    case U'c':
+        return consumeCommandWithFloatSequence(it, "Cc", 6);
+    case U'S':
+    case U's':
+        return consumeCommandWithFloatSequence(it, "Ss", 4);
+    case U'Z':
+    case U'z':
+        return consumeClosePath(it);
+    case U'A':
+    case U'a':
+        return consumeEllipticalArcSequence(it);
+    case U'M':
+    case U'm':
         return kAbsent; // the next move-to group begins here
+    default:
+        break;
     }
     mError = "Unsupported command in path @" + std::to_string(offsetOf(it)) + " : " + std::string(it, mEnd);
     return kFailed;

@@ -6,6 +6,7 @@
 #include <utf8.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <random>
@@ -214,6 +215,98 @@ TEST(PathScanner, NumbersFollowTheRunRulesOnRandomTexts)
         std::memcpy(&bits, &value, sizeof bits);
         std::memcpy(&expectedBits, &expected, sizeof bits);
         ASSERT_EQ(bits, expectedBits) << text; // tells -0 from 0 as well
+    }
+}
+
+// Command runs are read group by group with a quick path for the usual
+// shapes; the outcome must equal the run assembled from the single steps,
+// whatever the separators, signs, flags and stray bytes.
+TEST(PathScanner, CommandRunsEqualTheirSingleSteps)
+{
+    struct Outcome {
+        int result = -1;
+        std::ptrdiff_t offset = -1;
+        std::vector<float> values;
+        bool operator==(const Outcome& o) const
+        {
+            return result == o.result && offset == o.offset &&
+                   std::equal(values.begin(), values.end(), o.values.begin(), o.values.end(),
+                              [](float a, float b) { return std::memcmp(&a, &b, sizeof a) == 0; });
+        }
+    };
+    const auto actual = [](const std::string& text, std::size_t groupSize) {
+        Outcome outcome;
+        PathVisitorStrToTokens scanner(text, [&](char, std::vector<float>&& v) { outcome.values = v; });
+        auto it = scanner.textBegin();
+        outcome.result = groupSize == 7 ? scanner.consumeEllipticalArcSequence(it)
+                                        : scanner.consumeCommandWithFloatSequence(it, "LHCSM", groupSize);
+        outcome.offset = it - scanner.textBegin();
+        return outcome;
+    };
+    const auto steps = [](const std::string& text, std::size_t groupSize) {
+        Outcome outcome;
+        PathVisitorStrToTokens scanner(text, nullptr);
+        auto it = scanner.textBegin() + 1;
+        scanner.consumeAnyWhiteSpace(it);
+        std::vector<float> values;
+        for (;;) {
+            auto scratch = it;
+            int group = 0;
+            if (groupSize == 7) {
+                float number = 0.0f;
+                bool flag = false;
+                std::vector<float> arc;
+                bool complete = true;
+                for (int k = 0; k < 7 && complete; ++k) {
+                    complete = (k == 0 || scanner.consumeSeparator(scratch) == 2) &&
+                               (k == 3 || k == 4 ? scanner.consumeFlag(scratch, flag) == 2
+                                                 : scanner.consumeCoordinate(scratch, number) == 2);
+                    arc.push_back(k == 3 || k == 4 ? (flag ? 1.0f : 0.0f) : number);
+                }
+                group = complete ? 2 : 0;
+                if (complete)
+                    values.insert(values.end(), arc.begin(), arc.end());
+            } else {
+                group = scanner.consumeCoordinateSequence(scratch, values, groupSize);
+            }
+            if (group == 2) {
+                it = scratch;
+                scanner.consumeAnyWhiteSpace(it);
+                continue;
+            }
+            if (groupSize != 7)
+                it = scratch; // a failing or absent group reports where it stopped
+            outcome.result = group == 1 || values.empty() ? 1 : 2;
+            if (group == 1)
+                values.clear();
+            break;
+        }
+        outcome.offset = it - scanner.textBegin();
+        if (outcome.result == 2)
+            outcome.values = values;
+        return outcome;
+    };
+    const char* const pieces[] = {"12",    "-3.5", ".5", "1e3", "1e", "+2",       "007",
+                                  "1.5.5", "0",    "1",  "10",  "-0", " ",        " ",
+                                  " ",     ",",    "  ", "\n",  ", ", "",         "\t",
+                                  "x",     "L",    "-",  ".",   "e",  "\xC3\xA9", "12345678901234567890"};
+    std::mt19937 random(5u);
+    for (int i = 0; i < 40000; ++i) {
+        const std::size_t groupSize = std::array<std::size_t, 5>{1, 2, 4, 6, 7}[random() % 5];
+        std::string text = groupSize == 7 ? "A" : "L";
+        for (int k = static_cast<int>(random() % 30); k > 0; --k) {
+            // Mostly well-formed runs, so that many groups get read whole.
+            text += random() % 3 != 0 ? std::string(random() % 2 ? " " : ",") + std::to_string(random() % 200 - 99)
+                                      : pieces[random() % (sizeof(pieces) / sizeof(pieces[0]))];
+        }
+        Outcome expected;
+        try {
+            expected = steps(text, groupSize);
+        } catch (const utf8::exception&) {
+            EXPECT_THROW(actual(text, groupSize), utf8::exception) << text;
+            continue;
+        }
+        ASSERT_TRUE(actual(text, groupSize) == expected) << groupSize << " " << text;
     }
 }
 
