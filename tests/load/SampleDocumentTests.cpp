@@ -2,11 +2,8 @@
 // and a lenient load, and the load-save round trip.
 #include "LoadTestSupport.h"
 
-#include <svg/Items.h>
-
-#include <dirent.h>
-
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <vector>
@@ -25,36 +22,18 @@ std::string ReadFile(const std::string& path)
     return text.str();
 }
 
-bool FileExists(const std::string& path) { return std::ifstream(path).good(); }
-
-std::vector<std::string> SvgFiles(const std::string& directory)
-{
-    std::vector<std::string> files;
-    if (DIR* dir = opendir(directory.c_str())) {
-        while (const dirent* entry = readdir(dir)) {
-            const std::string name = entry->d_name;
-            if (name.size() > 4 && name.compare(name.size() - 4, 4, ".svg") == 0)
-                files.push_back(directory + "/" + name);
-        }
-        closedir(dir);
-    }
-    std::sort(files.begin(), files.end());
-    return files;
-}
-
 struct Expectation {
     bool ok = true;
     std::list<std::string> messages;
 };
 
 // NAME.messages: "[strict ok|fail]" and "[lenient ok|fail]" sections with
-// one message a line; "\n" stands for a line break inside a message.
+// one message a line; "\n" stands for a line break inside a message. Without
+// the file both loads succeed silently.
 void ReadExpectations(const std::string& svgPath, Expectation& strict, Expectation& lenient)
 {
     const std::string path = svgPath.substr(0, svgPath.size() - 4) + ".messages";
-    if (!FileExists(path))
-        return;
-    std::istringstream in(ReadFile(path));
+    std::ifstream in(path);
     Expectation* current = nullptr;
     std::string line;
     while (std::getline(in, line)) {
@@ -70,16 +49,26 @@ void ReadExpectations(const std::string& svgPath, Expectation& strict, Expectati
     }
 }
 
+// The .svg files of tests/data and examples.
 std::vector<std::string> AllSamples()
 {
-    std::vector<std::string> files = SvgFiles(VKSVG_TEST_DATA_DIR);
-    const std::vector<std::string> examples = SvgFiles(VKSVG_EXAMPLES_DIR);
-    files.insert(files.end(), examples.begin(), examples.end());
+    std::vector<std::string> files;
+    for (const char* directory : {VKSVG_TEST_DATA_DIR, VKSVG_EXAMPLES_DIR})
+        for (const auto& entry : std::filesystem::directory_iterator(directory))
+            if (entry.path().extension() == ".svg")
+                files.push_back(entry.path().string());
+    std::sort(files.begin(), files.end());
     return files;
 }
 
-// The style sheet is written inside comment markers that a reader keeps as
-// part of the style text, so it grows by one pair of them on every cycle.
+// The style text of a document root, empty for any other item.
+std::string StyleOf(const vk::svg::ItemInterface& item)
+{
+    if (item.getType() != vk::svg::ItemType::Document)
+        return {};
+    return As<vk::svg::Document>(item).getStyle().value_or("");
+}
+
 std::string WithoutStyleElement(std::string text)
 {
     const std::size_t begin = text.find("<style>");
@@ -89,19 +78,37 @@ std::string WithoutStyleElement(std::string text)
     return text;
 }
 
-const vk::svg::Document* AsDocument(const vk::svg::ItemInterface* item)
+// Saves, loads and saves twice more: the second and third saves agree. The
+// style sheet is the exception: it is written inside comment markers that a
+// reader keeps as part of the style text, so it grows by one pair a cycle.
+void ExpectAStableRoundTrip(const vk::svg::ItemInterface& root)
 {
-    return item != nullptr && item->getType() == vk::svg::ItemType::Document
-               ? static_cast<const vk::svg::Document*>(item)
-               : nullptr;
+    bool saved = false;
+    const std::string out1 = SaveText(root, &saved);
+    ASSERT_TRUE(saved);
+    const LoadResult second = LoadText(out1);
+    ASSERT_TRUE(second.ok) << out1;
+    EXPECT_TRUE(second.messages.empty()) << second.messages.front();
+    const std::string out2 = SaveText(*second.root);
+    const LoadResult third = LoadText(out2);
+    ASSERT_TRUE(third.ok) << out2;
+    const std::string out3 = SaveText(*third.root);
+    const std::string style = StyleOf(*second.root);
+    if (style.empty()) {
+        EXPECT_EQ(out2, out3);
+        return;
+    }
+    EXPECT_EQ(StyleOf(*third.root), "\n/*  */" + style + "\n/*  */");
+    EXPECT_EQ(WithoutStyleElement(out2), WithoutStyleElement(out3));
 }
 
 } // namespace
 
-TEST(SampleDocuments, LoadWithExactlyTheExpectedMessages)
+TEST(SampleDocuments, LoadWithTheExpectedMessagesAndSurviveTheRoundTrip)
 {
     const std::vector<std::string> files = AllSamples();
     ASSERT_GE(files.size(), 30u);
+    int roundTrips = 0;
     for (const std::string& file : files) {
         SCOPED_TRACE(file);
         Expectation strict;
@@ -112,49 +119,17 @@ TEST(SampleDocuments, LoadWithExactlyTheExpectedMessages)
         const LoadResult strictLoad = LoadText(text, false);
         EXPECT_EQ(strictLoad.ok, strict.ok);
         EXPECT_EQ(strictLoad.messages, strict.messages);
-        if (!strictLoad.ok) {
-            EXPECT_EQ(strictLoad.root, nullptr) << "a failed load hands out no tree";
-        }
+        EXPECT_TRUE(strictLoad.ok || strictLoad.root == nullptr) << "a failed load hands out no tree";
 
         const LoadResult lenientLoad = LoadText(text, true);
         EXPECT_EQ(lenientLoad.ok, lenient.ok);
         EXPECT_EQ(lenientLoad.messages, lenient.messages);
-    }
-}
 
-TEST(SampleDocuments, SecondAndThirdSavesOfTheRoundTripAreIdentical)
-{
-    int roundTrips = 0;
-    for (const std::string& file : AllSamples()) {
-        SCOPED_TRACE(file);
-        const std::string text = ReadFile(file);
-        LoadResult first = LoadText(text, false);
-        if (!first.ok)
-            first = LoadText(text, true);
-        if (!first.ok || first.root == nullptr)
-            continue;
-
-        bool saved = false;
-        const std::string out1 = SaveText(*first.root, &saved);
-        ASSERT_TRUE(saved);
-        const LoadResult second = LoadText(out1, false);
-        ASSERT_TRUE(second.ok) << out1;
-        EXPECT_TRUE(second.messages.empty()) << second.messages.front();
-        const std::string out2 = SaveText(*second.root);
-        const LoadResult third = LoadText(out2, false);
-        ASSERT_TRUE(third.ok) << out2;
-        const std::string out3 = SaveText(*third.root);
-
-        const vk::svg::Document* document = AsDocument(second.root.get());
-        if (document != nullptr && document->getStyle() && !document->getStyle()->empty()) {
-            const vk::svg::Document* again = AsDocument(third.root.get());
-            ASSERT_NE(again, nullptr);
-            EXPECT_EQ(*again->getStyle(), "\n/*  */" + *document->getStyle() + "\n/*  */");
-            EXPECT_EQ(WithoutStyleElement(out2), WithoutStyleElement(out3));
-        } else {
-            EXPECT_EQ(out2, out3);
+        const LoadResult& loaded = strictLoad.ok ? strictLoad : lenientLoad;
+        if (loaded.ok && loaded.root != nullptr) {
+            ExpectAStableRoundTrip(*loaded.root);
+            ++roundTrips;
         }
-        ++roundTrips;
     }
     EXPECT_GE(roundTrips, 20);
 }
