@@ -45,56 +45,38 @@ std::string RunScript(const std::string& script)
 {
     PathBuilder b;
     std::istringstream in(script);
-    auto f = [&] {
-        float value = 0;
-        in >> value;
-        return value;
-    };
-    auto p = [&] { return V2{f(), f()}; }; // braces: read in order
-    const std::map<std::string, std::function<void()>> calls = {
-        {"M", [&] { b.writeMove(p()); }},
-        {"L", [&] { b.writeLineTo(p()); }},
-        {"H", [&] { b.writeHLineTo(f()); }},
-        {"V", [&] { b.writeVLineTo(f()); }},
-        {"A",
-         [&] {
-             const V2 r = p();
-             const float rotation = f(), large = f(), sweep = f();
-             b.writeEllipticalArc(r, rotation, large != 0, sweep != 0, p());
-         }},
-        {"line",
-         [&] {
-             const V2 a = p();
-             b.appendLine(a, p());
-         }},
-        {"rect",
-         [&] {
-             const V2 o = p();
-             b.appendRect(o, p());
-         }},
-        {"poly",
-         [&] {
-             std::vector<V2> points(static_cast<std::size_t>(f()));
-             for (V2& q : points)
-                 q = p();
-             b.appendSegmentListMove(points);
-         }},
-        {"ellipse",
-         [&] {
-             const V2 c = p(), r = p(), angles = p();
-             b.appendEllipse(c, r, angles.X(), angles.Y());
-         }},
-        {"[", [&] { b.startContour(); }},
-        {"]", [&] { b.endContour(true); }},
-        {"]0", [&] { b.endContour(false); }},
-        {"~", [&] { b.cancelContour(); }},
-        {"clear", [&] { b.clearBuilder(); }},
+    std::vector<float> v;   // the numbers of the current call
+    std::vector<V2> points; // the same taken in pairs
+    auto p = [&](std::size_t i) { return V2(v[i], v[i + 1]); };
+    // Each word with the count of numbers it takes; -1: a count, then as many points.
+    const std::map<std::string, std::pair<int, std::function<void()>>> calls = {
+        {"M", {2, [&] { b.writeMove(p(0)); }}},
+        {"L", {2, [&] { b.writeLineTo(p(0)); }}},
+        {"H", {1, [&] { b.writeHLineTo(v[0]); }}},
+        {"V", {1, [&] { b.writeVLineTo(v[0]); }}},
+        {"A", {7, [&] { b.writeEllipticalArc(p(0), v[2], v[3] != 0, v[4] != 0, p(5)); }}},
+        {"line", {4, [&] { b.appendLine(p(0), p(2)); }}},
+        {"rect", {4, [&] { b.appendRect(p(0), p(2)); }}},
+        {"poly", {-1, [&] { b.appendSegmentListMove(points); }}},
+        {"ellipse", {6, [&] { b.appendEllipse(p(0), p(2), v[4], v[5]); }}},
+        {"[", {0, [&] { b.startContour(); }}},
+        {"]", {0, [&] { b.endContour(true); }}},
+        {"]0", {0, [&] { b.endContour(false); }}},
+        {"~", {0, [&] { b.cancelContour(); }}},
+        {"clear", {0, [&] { b.clearBuilder(); }}},
     };
     for (std::string word; in >> word;) {
         const auto call = calls.find(word);
         if (call == calls.end())
             return "bad script word " + word;
-        call->second();
+        float count = 0;
+        v.assign(static_cast<std::size_t>(call->second.first < 0 && in >> count ? 2 * count : call->second.first), 0);
+        for (float& value : v)
+            in >> value;
+        points.clear();
+        for (std::size_t i = 0; i + 1 < v.size(); i += 2)
+            points.emplace_back(v[i], v[i + 1]);
+        call->second.second();
     }
     return Show(b.getContent());
 }
@@ -287,18 +269,14 @@ TEST(PathBuilder, SavedPathsReachTheirPoints)
         vk::svg::PathVisitorCommandsToPrimitives(parsed, [&](std::unique_ptr<vk::svg::PathPrimitive>& primitive,
                                                              bool newContour) {
             // The builder writes only lines and arcs.
-            const auto ends = [&]() -> std::pair<V2, V2> {
-                if (primitive->type == vk::svg::PathPrimitive::Line) {
-                    const auto& line = static_cast<const vk::svg::PathLine&>(*primitive);
-                    return {line.start, line.end};
-                }
-                const auto& arc = static_cast<const vk::svg::PathEllipticalArc&>(*primitive);
-                return {arc.start, arc.end};
-            }();
+            const auto ends = [](const auto& p) { return std::make_pair(p.start, p.end); };
+            const auto [start, end] = primitive->type == vk::svg::PathPrimitive::Line
+                                          ? ends(static_cast<const vk::svg::PathLine&>(*primitive))
+                                          : ends(static_cast<const vk::svg::PathEllipticalArc&>(*primitive));
             contours += newContour ? 1 : 0;
             if (newContour)
-                pushMerged(walked, ends.first);
-            pushMerged(walked, ends.second);
+                pushMerged(walked, start);
+            pushMerged(walked, end);
         }).visit();
 
         if (reorder) { // one connected contour from its first point back to it, through every point

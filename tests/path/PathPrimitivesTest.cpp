@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <random>
 #include <sstream>
 #include <string>
@@ -113,9 +114,11 @@ TEST(PathPrimitives, WalkResolvesRelativeSmoothAndClose)
     EXPECT_TRUE(static_cast<PathEllipticalArc&>(*kept).largeArc);
 }
 
-// Centres and angles worked out by hand from the endpoint parametrisation.
-TEST(PathPrimitives, ArcCentreForm)
+// Centres, angles and boxes worked out by hand from the endpoint
+// parametrisation.
+TEST(PathPrimitives, ArcCentreFormAndBox)
 {
+    using Box = std::array<float, 4>;
     const float pi = kPi;
     const struct {
         float rx, ry;
@@ -124,21 +127,22 @@ TEST(PathPrimitives, ArcCentreForm)
         float rotation;
         V2 center;
         float startAngle, deltaAngle;
+        std::optional<Box> box;
     } cases[] = {
         // Half circle over the chord (0,0)-(10,0): q = 0, centre on the midpoint.
-        {5, 5, false, true, V2(0, 0), V2(10, 0), 0, V2(5, 0), pi, pi},
-        {5, 5, false, false, V2(0, 0), V2(10, 0), 0, V2(5, 0), pi, -pi},
+        {5, 5, false, true, V2(0, 0), V2(10, 0), 0, V2(5, 0), pi, pi, Box{0, -5, 10, 0}},
+        {5, 5, false, false, V2(0, 0), V2(10, 0), 0, V2(5, 0), pi, -pi, Box{0, 0, 10, 5}},
         // Quarter circles from (10,0) to (0,10): q = 1, k = +-1.
-        {10, 10, false, true, V2(10, 0), V2(0, 10), 0, V2(0, 0), 0, pi / 2},
-        {10, 10, true, true, V2(10, 0), V2(0, 10), 0, V2(10, 10), -pi / 2, 3 * pi / 2},
-        {10, 10, false, false, V2(10, 0), V2(0, 10), 0, V2(10, 10), -pi / 2, -pi / 2},
-        {-10, -10, true, false, V2(110, 50), V2(100, 60), 0, V2(100, 50), 0, -3 * pi / 2},
+        {10, 10, false, true, V2(10, 0), V2(0, 10), 0, V2(0, 0), 0, pi / 2, Box{0, 0, 10, 10}},
+        {10, 10, true, true, V2(10, 0), V2(0, 10), 0, V2(10, 10), -pi / 2, 3 * pi / 2, Box{0, 0, 20, 20}},
+        {10, 10, false, false, V2(10, 0), V2(0, 10), 0, V2(10, 10), -pi / 2, -pi / 2, Box{0, 0, 10, 10}},
+        {-10, -10, true, false, V2(110, 50), V2(100, 60), 0, V2(100, 50), 0, -3 * pi / 2, Box{90, 40, 110, 60}},
         // Ellipse 2 x 1 from (2,0) to (0,1): x1' = 1, y1' = -0.5, q = 1.
-        {2, 1, false, true, V2(2, 0), V2(0, 1), 0, V2(0, 0), 0, pi / 2},
+        {2, 1, false, true, V2(2, 0), V2(0, 1), 0, V2(0, 0), 0, pi / 2, Box{0, 0, 2, 1}},
         // The same ellipse turned by 90 degrees: the same local numbers.
-        {2, 1, false, true, V2(0, 2), V2(-1, 0), 90, V2(0, 0), 0, pi / 2},
+        {2, 1, false, true, V2(0, 2), V2(-1, 0), 90, V2(0, 0), 0, pi / 2, Box{-1, 0, 0, 2}},
         // Radii too small for the chord: centre on the midpoint, radii kept.
-        {3, 3, false, true, V2(0, 0), V2(10, 0), 0, V2(5, 0), pi, pi},
+        {3, 3, false, true, V2(0, 0), V2(10, 0), 0, V2(5, 0), pi, pi, {}},
     };
     for (const auto& c : cases) {
         const PathEllipticalArc arc(V2(c.rx, c.ry), c.large, c.sweep, c.start, c.end, c.rotation);
@@ -150,7 +154,12 @@ TEST(PathPrimitives, ArcCentreForm)
         EXPECT_NEAR(arc.deltaAngle, c.deltaAngle, 1e-5);
         EXPECT_EQ(arc.radii.X(), std::fabs(c.rx));
         EXPECT_EQ(arc.radii.Y(), std::fabs(c.ry));
-        EXPECT_EQ(arc.rotation, c.rotation);
+        if (c.box) {
+            BoundingBox box;
+            arc.computeBoundingBox(box, M3::IDENTITY);
+            for (int i = 0; i < 4; ++i)
+                EXPECT_NEAR(Corners(box)[i], (*c.box)[i], 1e-4) << "corner " << i;
+        }
     }
 
     // Degenerate arcs keep a zero centre and zero angles.
@@ -185,31 +194,6 @@ TEST(PathPrimitives, LineAndCurveBoxes)
     EXPECT_EQ(Corners(box), (std::array<float, 4>{0, -2, 4, 0}));
 }
 
-TEST(PathPrimitives, ArcBoxesWorkedByHand)
-{
-    const struct {
-        PathEllipticalArc arc;
-        std::array<float, 4> box;
-    } cases[] = {
-        // The lower and the upper half of the circle of radius 5 about (5,0).
-        {PathEllipticalArc(V2(5, 5), false, true, V2(0, 0), V2(10, 0), 0), {0, -5, 10, 0}},
-        {PathEllipticalArc(V2(5, 5), false, false, V2(0, 0), V2(10, 0), 0), {0, 0, 10, 5}},
-        // Quarter and three quarters of circles of radius 10.
-        {PathEllipticalArc(V2(10, 10), false, true, V2(10, 0), V2(0, 10), 0), {0, 0, 10, 10}},
-        {PathEllipticalArc(V2(10, 10), true, true, V2(10, 0), V2(0, 10), 0), {0, 0, 20, 20}},
-        // The 2 x 1 ellipse turned by 90 degrees, a quarter of it.
-        {PathEllipticalArc(V2(2, 1), false, true, V2(0, 2), V2(-1, 0), 90), {-1, 0, 0, 2}},
-    };
-    for (const auto& c : cases) {
-        BoundingBox box;
-        c.arc.computeBoundingBox(box, M3::IDENTITY);
-        const auto corners = Corners(box);
-        for (int i = 0; i < 4; ++i) {
-            EXPECT_NEAR(corners[i], c.box[i], 1e-4) << Str(c.arc.start) << Str(c.arc.end) << " corner " << i;
-        }
-    }
-}
-
 TEST(PathPrimitives, ArcBoxesBoundDenseSamplesTightly)
 {
     std::mt19937 random(4242u);
@@ -223,25 +207,24 @@ TEST(PathPrimitives, ArcBoxesBoundDenseSamplesTightly)
                                     V2(coordinate(random), coordinate(random)), coordinate(random) * 7);
         const M3 m(entry(random), entry(random), coordinate(random), entry(random), entry(random), coordinate(random),
                    0, 0, 1);
-        const auto map = [&](float x, float y) {
-            return V2(m(0, 0) * x + m(0, 1) * y + m(0, 2), m(1, 0) * x + m(1, 1) * y + m(1, 2));
+        // The box of the arc as segmentation draws it, plus its given end points.
+        const float inf = std::numeric_limits<float>::infinity();
+        std::array<float, 4> sampled{inf, inf, -inf, -inf};
+        const auto sample = [&](float x, float y) {
+            const V2 p(m(0, 0) * x + m(0, 1) * y + m(0, 2), m(1, 0) * x + m(1, 1) * y + m(1, 2));
+            sampled = {std::min(sampled[0], p.X()), std::min(sampled[1], p.Y()), std::max(sampled[2], p.X()),
+                       std::max(sampled[3], p.Y())};
         };
-
-        // The arc as segmentation draws it, plus its given end points.
-        std::vector<V2> samples{map(arc.start.X(), arc.start.Y()), map(arc.end.X(), arc.end.Y())};
+        sample(arc.start.X(), arc.start.Y());
+        sample(arc.end.X(), arc.end.Y());
         const float phi = arc.rotation * 0.017453292f;
         const int steps = 4000;
         for (int k = 0; k <= steps; ++k) {
             const float t = static_cast<float>(k) / steps * arc.deltaAngle + arc.startAngle;
-            samples.push_back(map(arc.center.X() + arc.radii.X() * std::cos(t) * std::cos(phi) -
-                                      arc.radii.Y() * std::sin(t) * std::sin(phi),
-                                  arc.center.Y() + arc.radii.X() * std::cos(t) * std::sin(phi) +
-                                      arc.radii.Y() * std::sin(t) * std::cos(phi)));
-        }
-        std::array<float, 4> sampled{samples[0].X(), samples[0].Y(), samples[0].X(), samples[0].Y()};
-        for (const V2& p : samples) {
-            sampled = {std::min(sampled[0], p.X()), std::min(sampled[1], p.Y()), std::max(sampled[2], p.X()),
-                       std::max(sampled[3], p.Y())};
+            sample(arc.center.X() + arc.radii.X() * std::cos(t) * std::cos(phi) -
+                       arc.radii.Y() * std::sin(t) * std::sin(phi),
+                   arc.center.Y() + arc.radii.X() * std::cos(t) * std::sin(phi) +
+                       arc.radii.Y() * std::sin(t) * std::cos(phi));
         }
 
         BoundingBox box;

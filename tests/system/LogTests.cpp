@@ -50,12 +50,9 @@ TEST(Log, EntriesCarryTimeThreadCategoryLevelAndText)
 
     const auto entries = captured.entries();
     ASSERT_EQ(entries.size(), 2u);
-    EXPECT_EQ(entries[0].category, "driver");
-    EXPECT_EQ(entries[0].level, 2);
-    EXPECT_EQ(entries[0].text, "first");
-    EXPECT_EQ(entries[1].category, "svg");
-    EXPECT_EQ(entries[1].level, vkLog::Error);
-    EXPECT_EQ(entries[1].text, "second");
+    const auto show = [](const vkLog::Entry& e) { return e.category + " " + std::to_string(e.level) + " " + e.text; };
+    EXPECT_EQ(show(entries[0]), "driver 2 first");
+    EXPECT_EQ(show(entries[1]), "svg " + std::to_string(vkLog::Error) + " second");
     for (const auto& entry : entries) {
         EXPECT_GE(entry.timeMs, before);
         EXPECT_LE(entry.timeMs, after);
@@ -67,8 +64,6 @@ TEST(Log, DisabledLevelsAreDroppedOthersKept)
 {
     CapturedLog captured;
     captured.log().setLevelEnabled(vkLog::Error, false);
-    EXPECT_FALSE(captured.log().isLevelEnabled(vkLog::Error));
-    EXPECT_TRUE(captured.log().isLevelEnabled(vkLog::Warning));
     vkLog::Log("svg", vkLog::Error, "dropped");
     vkLog::Log("svg", vkLog::Warning, "kept");
     captured.log().setLevelEnabled(vkLog::Error, true);
@@ -86,15 +81,12 @@ TEST(Log, DisabledLevelsAreDroppedOthersKept)
 
 TEST(Log, WithoutAnInstalledLogNothingIsWritten)
 {
-    int calls = 0;
-    auto log = std::make_shared<vkLog>();
-    log->setSink([&calls](const vkLog::Entry&) { ++calls; });
-    vkLog::setInstance(log);
+    CapturedLog captured;
     vkLog::Log("svg", vkLog::Error, "seen");
     vkLog::setInstance(nullptr);
     EXPECT_EQ(vkLog::getInstance(), nullptr);
     vkLog::Log("svg", vkLog::Error, "not seen");
-    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(captured.entries().size(), 1u);
 }
 
 TEST(Log, ThreadsAreToldApartAndNoEntryIsLost)

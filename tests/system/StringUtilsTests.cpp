@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <charconv>
 #include <clocale>
 #include <cmath>
@@ -14,14 +15,35 @@
 using vk::vkStringUtils;
 using Format = vkStringUtils::FloatFormat;
 
+namespace {
+
+// The reference for the fixed formatters.
+std::string ToCharsFixed(double value, int precision)
+{
+    char text[512];
+    return std::string(text, std::to_chars(text, text + sizeof(text), value, std::chars_format::fixed, precision).ptr);
+}
+
+// What the trimming form makes of a fixed text.
+std::string TrimZeros(std::string text)
+{
+    if (text.find('.') != std::string::npos) {
+        text.erase(text.find_last_not_of('0') + 1);
+        if (text.back() == '.')
+            text.pop_back();
+    }
+    return text;
+}
+
+} // namespace
+
 TEST(FromFloat, FixedWithTrimmedZeros)
 {
-    struct Case {
+    const struct {
         float value;
         int precision;
         const char* expected;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {0.5f, -1, "0.5"},
         {2.0f, -1, "2"},
         {0.0f, 6, "0"},
@@ -41,7 +63,7 @@ TEST(FromFloat, FixedWithTrimmedZeros)
         {std::numeric_limits<float>::quiet_NaN(), -1, "nan"},
         {-std::numeric_limits<float>::quiet_NaN(), -1, "nan"},
     };
-    for (const Case& c : cases)
+    for (const auto& c : cases)
         EXPECT_EQ(vkStringUtils::fromFloatImpl<float>(c.value, c.precision, Format::FixedTrimZeros), c.expected)
             << c.value << " precision " << c.precision;
 }
@@ -70,8 +92,7 @@ TEST(FromFloat, OtherFormatsAndHugePrecision)
     EXPECT_EQ(vkStringUtils::fromFloatImpl<float>(0.5f, 3, Format::Fixed), "0.500");
     EXPECT_EQ(vkStringUtils::fromFloatImpl<double>(1234.5, 2, Format::Scientific), "1.23e+03");
     // Beyond the stack buffer: 1e300 has 301 integer digits.
-    const std::string big = vkStringUtils::fromFloatImpl<double>(1e300, 200, Format::Fixed);
-    EXPECT_EQ(big.size(), 301u + 1u + 200u);
+    EXPECT_EQ(vkStringUtils::fromFloatImpl<double>(1e300, 200, Format::Fixed).size(), 301u + 1u + 200u);
     EXPECT_EQ(vkStringUtils::fromFloatImpl<double>(1e300, 200, Format::FixedTrimZeros).size(), 301u);
 }
 
@@ -79,13 +100,9 @@ TEST(FromFloat, IgnoresTheProcessLocale)
 {
     const char* previous = std::setlocale(LC_ALL, nullptr);
     const std::string saved = previous ? previous : "C";
-    bool switched = false;
-    for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "ru_RU.UTF-8"})
-        if (std::setlocale(LC_ALL, name) != nullptr) {
-            switched = true;
-            break;
-        }
-    if (!switched)
+    const auto names = {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "ru_RU.UTF-8"};
+    if (std::none_of(names.begin(), names.end(),
+                     [](const char* name) { return std::setlocale(LC_ALL, name) != nullptr; }))
         GTEST_SKIP() << "no locale with a decimal comma is installed";
     EXPECT_EQ(vkStringUtils::fromFloatImpl<float>(1.25f, 2, Format::FixedTrimZeros), "1.25");
     char* end = nullptr;
@@ -111,12 +128,11 @@ TEST(FromInteger, WidthFillAndExtremes)
 
 TEST(Utf8, StrictValidation)
 {
-    struct Case {
+    const struct {
         std::string bytes;
         bool valid;
         const char* what;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"", true, "empty"},
         {"plain ascii", true, "ascii"},
         {std::string("nul\0inside", 10), true, "NUL is a valid code point"},
@@ -141,7 +157,7 @@ TEST(Utf8, StrictValidation)
         {"\xC3(", false, "bad continuation"},
         {"caf\xE9", false, "Latin-1 byte"},
     };
-    for (const Case& c : cases)
+    for (const auto& c : cases)
         EXPECT_EQ(vkStringUtils::IsUtf8String(c.bytes), c.valid) << c.what;
 }
 
@@ -149,22 +165,11 @@ TEST(Utf8, EveryCodePointEncodesValidly)
 {
     // Property: the encoding of every scalar value passes, every surrogate fails.
     for (uint32_t cp = 0; cp <= 0x10FFFF; cp += (cp < 0x3000 ? 1 : 97)) {
-        std::string s;
-        if (cp < 0x80) {
-            s += static_cast<char>(cp);
-        } else if (cp < 0x800) {
-            s += static_cast<char>(0xC0 | (cp >> 6));
-            s += static_cast<char>(0x80 | (cp & 0x3F));
-        } else if (cp < 0x10000) {
-            s += static_cast<char>(0xE0 | (cp >> 12));
-            s += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-            s += static_cast<char>(0x80 | (cp & 0x3F));
-        } else {
-            s += static_cast<char>(0xF0 | (cp >> 18));
-            s += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-            s += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-            s += static_cast<char>(0x80 | (cp & 0x3F));
-        }
+        static const unsigned kLead[] = {0x00, 0xC0, 0xE0, 0xF0};
+        const int tail = cp < 0x80 ? 0 : cp < 0x800 ? 1 : cp < 0x10000 ? 2 : 3; // continuation bytes
+        std::string s(1, static_cast<char>(kLead[tail] | (cp >> (6 * tail))));
+        for (int k = tail - 1; k >= 0; --k)
+            s += static_cast<char>(0x80 | ((cp >> (6 * k)) & 0x3F));
         const bool surrogate = cp >= 0xD800 && cp <= 0xDFFF;
         EXPECT_EQ(vkStringUtils::IsUtf8String(s), !surrogate) << std::hex << cp;
     }
@@ -193,20 +198,12 @@ TEST(FromFloat, FloatBufferFormMatchesToCharsOfTheWidenedValue)
 {
     std::mt19937 random(7u);
     const auto check = [](float value, int precision) {
-        char expected[512];
-        const auto result = std::to_chars(expected, expected + sizeof(expected), static_cast<double>(value),
-                                          std::chars_format::fixed, precision);
-        std::string text(expected, result.ptr);
+        const std::string text = ToCharsFixed(value, precision);
         char buffer[128];
         ASSERT_EQ(vkStringUtils::formatFloat(buffer, sizeof(buffer), value, precision, Format::Fixed), text.size());
         ASSERT_EQ(std::string(buffer), text) << value << " @" << precision;
-        if (text.find('.') != std::string::npos) {
-            text.erase(text.find_last_not_of('0') + 1);
-            if (text.back() == '.')
-                text.pop_back();
-        }
         vkStringUtils::formatFloat(buffer, sizeof(buffer), value, precision, Format::FixedTrimZeros);
-        ASSERT_EQ(std::string(buffer), text) << value << " @" << precision;
+        ASSERT_EQ(std::string(buffer), TrimZeros(text)) << value << " @" << precision;
     };
     for (int i = 0; i < 60000; ++i) {
         // Any bit pattern but NaN; the exponent is drawn small more often,
@@ -236,22 +233,15 @@ TEST(FromFloat, ExactRoundingMatchesToCharsIncludingTies)
 {
     // Dyadic fractions are exact in binary, so many of them sit exactly
     // half-way at some precision: the rounding must go to the even digit.
-    char expected[512];
     for (int denominatorBits = 0; denominatorBits <= 12; ++denominatorBits)
         for (int numerator = -3000; numerator <= 3000; numerator += 7) {
             const double value = std::ldexp(static_cast<double>(numerator), -denominatorBits);
             for (int precision = 0; precision <= 13; ++precision) {
-                const auto result =
-                    std::to_chars(expected, expected + sizeof(expected), value, std::chars_format::fixed, precision);
-                std::string text(expected, result.ptr);
+                const std::string text = ToCharsFixed(value, precision);
                 ASSERT_EQ(vkStringUtils::fromFloatImpl<double>(value, precision, Format::Fixed), text)
                     << value << " @" << precision;
-                if (text.find('.') != std::string::npos) {
-                    text.erase(text.find_last_not_of('0') + 1);
-                    if (text.back() == '.')
-                        text.pop_back();
-                }
-                ASSERT_EQ(vkStringUtils::fromFloatImpl<double>(value, precision, Format::FixedTrimZeros), text)
+                ASSERT_EQ(vkStringUtils::fromFloatImpl<double>(value, precision, Format::FixedTrimZeros),
+                          TrimZeros(text))
                     << value << " @" << precision;
             }
         }
@@ -259,10 +249,7 @@ TEST(FromFloat, ExactRoundingMatchesToCharsIncludingTies)
     for (int exponent = -149; exponent <= 127; ++exponent)
         for (float mantissa : {1.0f, 1.5f, 1.9999999f}) {
             const float value = std::ldexp(mantissa, exponent);
-            const auto result = std::to_chars(expected, expected + sizeof(expected), static_cast<double>(value),
-                                              std::chars_format::fixed, 6);
-            ASSERT_EQ(vkStringUtils::fromFloatImpl<float>(value, 6, Format::Fixed), std::string(expected, result.ptr))
-                << value;
+            ASSERT_EQ(vkStringUtils::fromFloatImpl<float>(value, 6, Format::Fixed), ToCharsFixed(value, 6)) << value;
         }
 }
 
@@ -283,13 +270,8 @@ TEST(ToFloat, AgreesWithStrtofBitForBit)
         const float expected = strtof_l(text.c_str(), &end, vkStringUtils::msCLocale);
         const bool whole = end == text.c_str() + text.size();
         ASSERT_EQ(ok, whole) << '"' << text << '"';
-        if (ok) {
-            uint32_t a;
-            uint32_t b;
-            std::memcpy(&a, &fast, 4);
-            std::memcpy(&b, &expected, 4);
-            ASSERT_EQ(a, b) << '"' << text << '"';
-        }
+        ASSERT_TRUE(!ok || std::memcmp(&fast, &expected, sizeof fast) == 0)
+            << '"' << text << "\" " << fast << " " << expected;
     };
     for (int i = 0; i < 200000; ++i) {
         std::string text;
@@ -373,17 +355,16 @@ TEST(ToFloat, PrefixOfGeneratedNumbersInLongerText)
 
 TEST(ToFloat, PrefixStopsWherePlainDecimalsEnd)
 {
-    struct Case {
+    const struct {
         const char* text;
         std::ptrdiff_t length; // -1: no plain decimal
         float value;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"12.5 3", 4, 12.5f}, {"-.25,", 4, -0.25f},   {"1e3x", 3, 1000.0f}, {"1e", 1, 1.0f}, {"1e+", 1, 1.0f},
         {"2E-1L", 4, 0.2f},   {"5.", 2, 5.0f},        {"-", -1, 0.0f},      {".", -1, 0.0f}, {"inf", -1, 0.0f},
         {"0x10", 1, 0.0f},    {"16777217", -1, 0.0f}, {"1.5.5", 3, 1.5f},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         float value = -7.0f;
         const char* first = c.text;
         const char* end = vkStringUtils::toFloatPrefix(first, first + std::strlen(first), value);

@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
-#include <cctype>
 #include <thread>
 #include <vector>
 
@@ -19,30 +19,21 @@ namespace {
 // '+' for either sign.
 bool hasShape(const std::string& text, const std::string& pattern)
 {
-    if (text.size() != pattern.size())
-        return false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char p = pattern[i];
-        const char t = text[i];
-        const bool ok =
-            p == '9' ? std::isdigit(static_cast<unsigned char>(t)) != 0 : (p == '+' ? (t == '+' || t == '-') : t == p);
-        if (!ok)
-            return false;
-    }
-    return true;
+    return text.size() == pattern.size() && std::equal(text.begin(), text.end(), pattern.begin(), [](char t, char p) {
+               return p == '9' ? t >= '0' && t <= '9' : p == '+' ? t == '+' || t == '-' : t == p;
+           });
 }
 
 } // namespace
 
 TEST(DirUtils, ExtractFileExtension)
 {
-    struct Case {
+    const struct {
         const char* path;
         bool withoutDot;
         int parts;
         const char* expected;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"a/b/c.svg", true, 1, "svg"},
         {"a/b/c.svg", false, 1, ".svg"},
         {"drawing.svg", true, 1, "svg"},
@@ -61,7 +52,7 @@ TEST(DirUtils, ExtractFileExtension)
         {"", true, 1, ""},
         {"x.svg", true, 0, ""},
     };
-    for (const Case& c : cases)
+    for (const auto& c : cases)
         EXPECT_EQ(vkDirUtils::ExtractFileExtension(c.path, c.withoutDot, c.parts), c.expected)
             << c.path << " " << c.withoutDot << " " << c.parts;
 }
@@ -111,29 +102,23 @@ TEST(LibInitCounter, UnbalancedDecrementChangesNothingAndMayWarn)
 
 TEST(LibInitCounter, ConcurrentNestingFindsExactlyOneFirstAndOneLast)
 {
-    vk::impl::LibInitCounter counter("threads", false);
-    std::atomic<int> firsts{0};
-    std::atomic<int> lasts{0};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&] {
-            for (int i = 0; i < 1000; ++i)
-                if (counter.incrementInitCounter())
-                    ++firsts;
-        });
-    for (auto& thread : threads)
-        thread.join();
-    threads.clear();
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&] {
-            for (int i = 0; i < 1000; ++i)
-                if (counter.decrementInitCounter())
-                    ++lasts;
-        });
-    for (auto& thread : threads)
-        thread.join();
-    EXPECT_EQ(firsts.load(), 1);
-    EXPECT_EQ(lasts.load(), 1);
+    using Counter = vk::impl::LibInitCounter;
+    Counter counter("threads", false);
+    // Four threads make a thousand calls each; returns how many reported true.
+    const auto race = [&](bool (Counter::*call)()) {
+        std::atomic<int> trues{0};
+        std::vector<std::thread> threads;
+        for (int t = 0; t < 4; ++t)
+            threads.emplace_back([&] {
+                for (int i = 0; i < 1000; ++i)
+                    trues += (counter.*call)() ? 1 : 0;
+            });
+        for (auto& thread : threads)
+            thread.join();
+        return trues.load();
+    };
+    EXPECT_EQ(race(&Counter::incrementInitCounter), 1);
+    EXPECT_EQ(race(&Counter::decrementInitCounter), 1);
     EXPECT_EQ(counter.getCount(), 0);
 }
 
