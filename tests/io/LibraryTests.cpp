@@ -29,6 +29,7 @@ bool LoadsThroughTheManager()
 TEST(Library, NestedStartUpsNeedAsManyShutDowns)
 {
     ASSERT_EQ(vkSvgIOManager::sThis, nullptr);
+    const int32_t before = impl::GetBuiltInDriverRegistrationCount();
     initializeVkSvg();
     vkSvgIOManager* const manager = vkSvgIOManager::sThis;
     ASSERT_NE(manager, nullptr);
@@ -44,30 +45,20 @@ TEST(Library, NestedStartUpsNeedAsManyShutDowns)
     terminateVkSvg();
     EXPECT_EQ(vkSvgIOManager::sThis, nullptr);
     EXPECT_EQ(impl::GetBuiltInDriver(), nullptr);
-}
 
-TEST(Library, ASecondCycleRegistersAFreshDriverAndKeepsCounting)
-{
-    const int32_t before = impl::GetBuiltInDriverRegistrationCount();
-    initializeVkSvg();
-    terminateVkSvg();
+    // A second cycle registers a fresh driver and keeps counting.
     initializeVkSvg();
     ASSERT_NE(vkSvgIOManager::sThis, nullptr);
     EXPECT_EQ(vkSvgIOManager::get().getDrivers().size(), 1u);
     EXPECT_EQ(impl::GetBuiltInDriverRegistrationCount(), before + 2) << "never decremented";
     EXPECT_TRUE(LoadsThroughTheManager());
-    terminateVkSvg();
-    EXPECT_EQ(vkSvgIOManager::sThis, nullptr);
-    terminateVkSvg(); // unbalanced: harmless
-    EXPECT_EQ(vkSvgIOManager::sThis, nullptr);
-}
-
-TEST(Library, SavedDocumentsNameTheLibraryUnlessTheHostSetsAStamp)
-{
-    initializeVkSvg();
+    // Saved documents name the library unless the host sets a stamp.
     EXPECT_EQ(vk::GetSoftwareVersionForStream().toString(), "libvkSvg 3.0.0.1226");
     vk::SetSoftwareVersionForStream("host", "9");
     EXPECT_EQ(vk::GetSoftwareVersionForStream().toString(), "host 9");
     vk::SetSoftwareVersionForStream("", "");
     terminateVkSvg();
+    EXPECT_EQ(vkSvgIOManager::sThis, nullptr);
+    terminateVkSvg(); // unbalanced: harmless
+    EXPECT_EQ(vkSvgIOManager::sThis, nullptr);
 }

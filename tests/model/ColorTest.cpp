@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdio>
+#include <iterator>
 #include <random>
 #include <sstream>
 #include <string>
@@ -102,13 +103,10 @@ TEST(NamedColors, TableHoldsTheKeywordsInByteOrder)
         "palevioletred papayawhip peachpuff peru pink plum powderblue purple rebeccapurple red rosybrown royalblue "
         "saddlebrown salmon sandybrown seagreen seashell sienna silver skyblue slateblue slategray slategrey snow "
         "springgreen steelblue tan teal thistle tomato turquoise violet wheat white whitesmoke yellow yellowgreen");
-    std::vector<std::string> expected, actual;
-    for (std::string name; names >> name;) {
-        expected.push_back(name);
-    }
-    for (auto* it = NamedColorsBegin(); it != NamedColorsEnd(); ++it) {
+    const std::vector<std::string> expected{std::istream_iterator<std::string>(names), {}};
+    std::vector<std::string> actual;
+    for (auto* it = NamedColorsBegin(); it != NamedColorsEnd(); ++it)
         actual.emplace_back(it->name);
-    }
     EXPECT_EQ(actual.size(), 148u);
     EXPECT_EQ(actual, expected);
 

@@ -102,10 +102,7 @@ TEST(UnitValue, RandomTextsKeepTheContract)
             text += alphabet[rng() % alphabet.size()];
         }
         UnitValue result(-42.0f, Unit::Unspecified);
-        if (UnitValue::parseVal(text, result)) {
-            EXPECT_NE(result.unit, Unit::Unspecified) << text;
-        } else {
-            EXPECT_EQ(result, UnitValue(-42.0f, Unit::Unspecified)) << text;
-        }
+        const bool ok = UnitValue::parseVal(text, result);
+        EXPECT_TRUE(ok ? result.unit != Unit::Unspecified : result == UnitValue(-42.0f, Unit::Unspecified)) << text;
     }
 }

@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
-#include <limits>
 
 using namespace vk::svg;
 using vksvgtest::LogCapture;
@@ -25,112 +23,85 @@ std::shared_ptr<Path> path(std::initializer_list<std::pair<T, std::vector<float>
     return item;
 }
 
-Wm4::Matrix3<float> translation(float x, float y) { return Wm4::Matrix3<float>(1, 0, x, 0, 1, y, 0, 0, 1); }
+// `item` once `edit` has run on it: a table row in one expression.
+template <class Item, class Edit> std::shared_ptr<ItemInterface> edited(std::shared_ptr<Item> item, Edit edit)
+{
+    edit(*item);
+    return item;
+}
 
 } // namespace
 
 TEST(ElementWriters, EachKindWithItsAttributeOrderAndZeroOmission)
 {
-    struct Case {
-        std::function<std::shared_ptr<ItemInterface>()> make;
+    const struct {
+        std::shared_ptr<ItemInterface> item;
         const char* expected;
-    };
-    const Case cases[] = {
-        {[] { return std::make_shared<Line>(V(0, 0), V(10, 0)); }, "<line x2=\"10\"/>"},
-        {[] { return std::make_shared<Line>(V(1, 2), V(3, 4)); }, "<line x1=\"1\" y1=\"2\" x2=\"3\" y2=\"4\"/>"},
-        {[] { return std::make_shared<Line>(V(-0.0f, std::nanf("")), V(0, 0)); }, "<line y1=\"nan\"/>"},
-        {[] { return std::make_shared<Rect>(V(0, 0), V(0, 0)); }, "<rect width=\"0\" height=\"0\"/>"},
-        {[] {
-             auto r = std::make_shared<Rect>(V(1, 2), V(3, 4));
-             r->editRadius() = V(0, 5);
-             return r;
-         },
+    } cases[] = {
+        {std::make_shared<Line>(V(1, 2), V(3, 4)), "<line x1=\"1\" y1=\"2\" x2=\"3\" y2=\"4\"/>"},
+        {std::make_shared<Line>(V(-0.0f, std::nanf("")), V(0, 0)), "<line y1=\"nan\"/>"},
+        {std::make_shared<Rect>(V(0, 0), V(0, 0)), "<rect width=\"0\" height=\"0\"/>"},
+        {edited(std::make_shared<Rect>(V(1, 2), V(3, 4)), [](Rect& r) { r.editRadius() = V(0, 5); }),
          "<rect x=\"1\" y=\"2\" width=\"3\" height=\"4\" ry=\"5\"/>"},
-        {[] { return std::make_shared<Rect>(V(0, 0), V(-5, 1e-7f)); }, "<rect width=\"-5\" height=\"0\"/>"},
-        {[] { return std::make_shared<Circle>(V(0, 0), 5.0f); }, "<circle r=\"5\"/>"},
-        {[] { return std::make_shared<Circle>(V(1, 2), 0.0f); }, "<circle r=\"0\" cx=\"1\" cy=\"2\"/>"},
-        {[] { return std::make_shared<Node>(); }, "<g/>"},
-        {[] { return std::make_shared<Document>(); }, "<svg xmlns=\"http://www.w3.org/2000/svg\"/>"},
-        {[] {
-             auto d = std::make_shared<Document>();
-             d->editViewbox() = BoundingBox(); // invalid: not written
-             return d;
-         },
+        {std::make_shared<Rect>(V(0, 0), V(-5, 1e-7f)), "<rect width=\"-5\" height=\"0\"/>"},
+        {std::make_shared<Circle>(V(0, 0), 5.0f), "<circle r=\"5\"/>"},
+        {std::make_shared<Circle>(V(1, 2), 0.0f), "<circle r=\"0\" cx=\"1\" cy=\"2\"/>"},
+        {std::make_shared<Node>(), "<g/>"},
+        {std::make_shared<Document>(), "<svg xmlns=\"http://www.w3.org/2000/svg\"/>"},
+        {edited(std::make_shared<Document>(),
+                [](Document& d) {
+                    d.editViewbox() = BoundingBox(); // invalid: not written
+                    d.editStyle() = "";              // empty: not written
+                }),
          "<svg xmlns=\"http://www.w3.org/2000/svg\"/>"},
-        {[] {
-             auto d = std::make_shared<Document>();
-             d->editViewbox() = BoundingBox(V(0, 0), V(100, 50));
-             return d;
-         },
-         "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 100 50\"/>"},
-        {[] {
-             auto d = std::make_shared<Document>();
-             d->editViewbox() = BoundingBox(V(-10, 5), V(10, 5));
-             d->editStyle() = "rect { fill: red; } a > b & c";
-             d->editId() = "doc";
-             return d;
-         },
+        {edited(std::make_shared<Document>(),
+                [](Document& d) {
+                    d.editViewbox() = BoundingBox(V(-10, 5), V(10, 5));
+                    d.editStyle() = "rect { fill: red; } a > b & c";
+                    d.editId() = "doc";
+                }),
          "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"-10 5 20 0\" id=\"doc\"><style>\n/* <![CDATA[ */"
          "rect { fill: red; } a > b & c\n/* ]]> */</style></svg>"},
-        {[] {
-             auto d = std::make_shared<Document>();
-             d->editStyle() = "";
-             return d;
-         },
-         "<svg xmlns=\"http://www.w3.org/2000/svg\"/>"},
-        {[] { return std::make_shared<Image>(); }, "<image width=\"0\" height=\"0\" href=\"\"/>"},
-        {[] {
-             auto i = std::make_shared<Image>();
-             i->editPosition() = V(1, 0);
-             i->editSize() = V(20, 10);
-             i->editHref() = "pic.png";
-             i->editPreserveAspectRatio() = PreserveAspectRatio::XMidYMid;
-             return i;
-         },
+        {std::make_shared<Image>(), "<image width=\"0\" height=\"0\" href=\"\"/>"},
+        {edited(std::make_shared<Image>(),
+                [](Image& i) {
+                    i.editPosition() = V(1, 0);
+                    i.editSize() = V(20, 10);
+                    i.editHref() = "pic.png";
+                    i.editPreserveAspectRatio() = PreserveAspectRatio::XMidYMid;
+                }),
          "<image x=\"1\" width=\"20\" height=\"10\" href=\"pic.png\" preserveAspectRatio=\"xMidYMid\"/>"},
-        {[] {
-             auto i = std::make_shared<Image>();
-             i->editPreserveAspectRatio() = PreserveAspectRatio::None;
-             return i;
-         },
+        {edited(std::make_shared<Image>(), [](Image& i) { i.editPreserveAspectRatio() = PreserveAspectRatio::None; }),
          "<image width=\"0\" height=\"0\" href=\"\"/>"},
-        {[] {
-             auto i = std::make_shared<Image>();
-             i->editPreserveAspectRatio() = static_cast<PreserveAspectRatio>(12);
-             return i;
-         },
+        {edited(std::make_shared<Image>(),
+                [](Image& i) { i.editPreserveAspectRatio() = static_cast<PreserveAspectRatio>(12); }),
          "<image width=\"0\" height=\"0\" href=\"\" preserveAspectRatio=\"none\"/>"},
-        {[] { return std::make_shared<Text>(V(0, 0), "a < b"); }, "<text>a &lt; b</text>"},
-        {[] {
-             auto t = std::make_shared<Text>(V(5, 6), "");
-             t->editFontFamily() = "Sans";
-             t->editBold() = true;
-             t->editItalic() = false;
-             t->editUnderline() = true;
-             t->editFontSize() = 12.5f;
-             t->editTextLength() = UnitValue(30, Unit::Px);
-             t->editXmlSpacePreserve() = false;
-             return t;
-         },
+        {std::make_shared<Text>(V(0, 0), "a < b"), "<text>a &lt; b</text>"},
+        {edited(std::make_shared<Text>(V(5, 6), ""),
+                [](Text& t) {
+                    t.editFontFamily() = "Sans";
+                    t.editBold() = true;
+                    t.editItalic() = false;
+                    t.editUnderline() = true;
+                    t.editFontSize() = 12.5f;
+                    t.editTextLength() = UnitValue(30, Unit::Px);
+                    t.editXmlSpacePreserve() = false;
+                }),
          "<text x=\"5\" y=\"6\" font-family=\"Sans\" font-weight=\"bold\" text-decoration=\"underline\" "
          "font-size=\"12.5\" textLength=\"30px\" xml:space=\"default\"></text>"},
-        {[] {
-             auto l = std::make_shared<Line>(V(0, 0), V(1, 0));
-             l->editTransform() = Wm4::Matrix3<float>::IDENTITY;
-             return l;
-         },
+        {edited(std::make_shared<Line>(V(0, 0), V(1, 0)),
+                [](Line& l) { l.editTransform() = Wm4::Matrix3<float>::IDENTITY; }),
          "<line x2=\"1\"/>"},
-        {[] {
-             auto l = std::make_shared<Line>(V(0, 0), V(1, 0));
-             l->editTransform() = translation(10, 20);
-             l->editId() = "l1";
-             l->editRenderingProperties().editStroke() = "red";
-             return l;
-         },
+        {edited(std::make_shared<Line>(V(0, 0), V(1, 0)),
+                [](Line& l) {
+                    l.editTransform() = Wm4::Matrix3<float>(1, 0, 10, 0, 1, 20, 0, 0, 1);
+                    l.editId() = "l1";
+                    l.editRenderingProperties().editStroke() = "red";
+                }),
          "<line x2=\"1\" id=\"l1\" stroke=\"red\" transform=\"matrix(1 0 0 1 10 20)\"/>"},
     };
-    for (const Case& c : cases)
-        EXPECT_EQ(WriteToText(*c.make()), c.expected);
+    for (const auto& c : cases)
+        EXPECT_EQ(WriteToText(*c.item), c.expected);
 }
 
 TEST(ElementWriters, PresentationAttributesInTheirFixedOrder)
@@ -153,26 +124,24 @@ TEST(ElementWriters, PresentationAttributesInTheirFixedOrder)
               "class=\"c\" opacity=\"0.5\" stroke-linecap=\"square\" stroke-linejoin=\"miter-clip\" "
               "stroke-dasharray=\"1 2em\" vector-effect=\"non-scaling-stroke non-rotation fixed-position\"/>");
 
-    RenderingProperties q;
+    Node other;
+    RenderingProperties& q = other.editRenderingProperties();
     q.editStroke() = "";
     q.editVectorEffect() = 0u;
     q.editStrokeLinecap() = static_cast<LineCap>(9);
     q.editStrokeLinejoin() = static_cast<LineJoin>(9);
     q.editStrokeDasharray() = std::vector<UnitValue>{};
-    Node other;
-    other.editRenderingProperties() = q;
     EXPECT_EQ(WriteToText(other), "<g stroke-linecap=\"butt\" stroke-linejoin=\"miter\" stroke-dasharray=\"\" "
                                   "vector-effect=\"none\"/>");
 }
 
 TEST(ElementWriters, PathDataCompactAndReadable)
 {
-    struct Case {
+    const struct {
         std::shared_ptr<Path> item;
         const char* compact;
         const char* readable;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {path({{T::MoveTo, {0, 0}}, {T::LineTo, {10, 0}}, {T::LineTo, {10, 10}}, {T::ClosePath, {}}}),
          "M0 0 10 0 10 10Z", "M 0 0 10 0 10 10 Z"},
         {path({{T::MoveToRel, {1, 1}}, {T::LineToRel, {2, 2}}, {T::LineToRel, {3, 3}}}), "m1 1 2 2 3 3",
@@ -202,7 +171,7 @@ TEST(ElementWriters, PathDataCompactAndReadable)
     };
     SaveOptions readable;
     readable.prettyPrint = true;
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         EXPECT_EQ(WriteToText(*c.item), std::string("<path d=\"") + c.compact + "\"/>");
         const std::string pretty = WriteToText(*c.item, readable);
         EXPECT_NE(pretty.find(std::string("d=\"") + c.readable + "\""), std::string::npos) << pretty;

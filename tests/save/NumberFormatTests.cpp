@@ -3,36 +3,23 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 using vk::svg::floatToSvgNumber;
 using vk::svg::SaveOptions;
 
+// Plain fixed formatting is the string utilities' own; here only what the
+// SVG number adds to it.
 TEST(FloatToSvgNumber, FixedTrimmedAndNoNegativeZero)
 {
-    struct Case {
+    const struct {
         float value;
         int precision;
         const char* expected;
+    } cases[] = {
+        {-0.0f, -1, "0"},      {-1e-7f, -1, "0"}, {-0.004f, 2, "0"},        {-0.25f, -1, "-0.25"},
+        {3.14159f, 2, "3.14"}, {12.0f, 0, "12"},  {0.1f, 9, "0.100000001"}, {-7.0f, -5, "-7"},
     };
-    const Case cases[] = {
-        {0.5f, -1, "0.5"},
-        {2.0f, -1, "2"},
-        {1e-7f, -1, "0"},
-        {-1e-7f, -1, "0"},
-        {-0.0f, -1, "0"},
-        {-0.25f, -1, "-0.25"},
-        {1234.5678f, -1, "1234.567749"},
-        {1e20f, -1, "100000002004087734272"},
-        {0.1f, -1, "0.1"},
-        {3.14159f, 2, "3.14"},
-        {2.5f, 2, "2.5"},
-        {-0.004f, 2, "0"},
-        {12.0f, 0, "12"},
-        {0.1f, 9, "0.100000001"},
-        {-7.0f, -5, "-7"},
-    };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SaveOptions options;
         options.precision = c.precision;
         EXPECT_EQ(floatToSvgNumber(c.value, options), c.expected) << c.value << " @" << c.precision;
@@ -50,13 +37,10 @@ TEST(FloatToSvgNumber, NeverUsesAnExponentNorLeavesTrailingZeros)
             if (!std::isfinite(value))
                 continue;
             const std::string text = floatToSvgNumber(value, options);
-            ASSERT_FALSE(text.empty());
-            EXPECT_EQ(text.find_first_not_of("-0123456789."), std::string::npos) << text;
-            EXPECT_EQ(text.find('-', 1), std::string::npos) << text;
-            if (text.find('.') != std::string::npos) {
-                EXPECT_NE(text.back(), '0') << text;
-            }
-            EXPECT_NE(text.back(), '.') << text;
-            EXPECT_NE(text, "-0");
+            const bool point = text.find('.') != std::string::npos;
+            EXPECT_TRUE(!text.empty() && text.find_first_not_of("-0123456789.") == std::string::npos &&
+                        text.find('-', 1) == std::string::npos && !(point && text.back() == '0') &&
+                        text.back() != '.' && text != "-0")
+                << text;
         }
 }

@@ -48,28 +48,22 @@ public:
     {
         mLog->setSink([this](const vk::vkLog::Entry& entry) {
             std::lock_guard<std::mutex> lock(mMutex);
-            mEntries.push_back(entry);
+            mTexts.push_back(entry.category + "|" + std::to_string(entry.level) + "|" + entry.text);
         });
         vk::vkLog::setInstance(mLog);
     }
     ~LogCapture() { vk::vkLog::setInstance(nullptr); }
-    std::vector<vk::vkLog::Entry> entries()
-    {
-        std::lock_guard<std::mutex> lock(mMutex);
-        return mEntries;
-    }
+    // Each entry as "category|level|text".
     std::vector<std::string> texts()
     {
-        std::vector<std::string> out;
-        for (const auto& entry : entries())
-            out.push_back(entry.category + "|" + std::to_string(entry.level) + "|" + entry.text);
-        return out;
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mTexts;
     }
 
 private:
     std::shared_ptr<vk::vkLog> mLog;
     std::mutex mMutex;
-    std::vector<vk::vkLog::Entry> mEntries;
+    std::vector<std::string> mTexts;
 };
 
 } // namespace vksvgtest

@@ -1,4 +1,4 @@
-// vksvg info and vksvg convert, run in process on documents of their own.
+// vksvg color, info and convert, run in process on documents of their own.
 #include "ToolTestSupport.h"
 
 namespace {
@@ -19,109 +19,83 @@ const char* const kDrawing = "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=
 
 } // namespace
 
-TEST_F(DocumentCommands, InfoPrintsTheOutlineAndTheCounts)
+// Exit code, output and messages, word for word.
+TEST_F(DocumentCommands, ResultsAndMessages)
 {
-    const CliRun r = RunTool({"info", Write("drawing.svg", kDrawing)});
-    EXPECT_EQ(r.code, 0) << r.err;
-    EXPECT_EQ(r.err, "");
-    EXPECT_EQ(r.out, "svg viewBox=0,0,100,50 style=4B\n"
-                     "  g id=\"layer\" transform=matrix(1 0 0 1 10 20)\n"
-                     "    rect id=\"box\" x=1 y=2 width=30 height=40 rx=3 ry=0\n"
-                     "    circle cx=5 cy=6 r=0.5\n"
-                     "    path commands=4\n"
-                     "    text x=4 y=5 content=\"Hello world\"\n"
-                     "    image x=0 y=0 width=8 height=9 href=\"pic.png\"\n"
-                     "  line x1=1 y1=0 x2=0 y2=7.25\n"
-                     "  g\n"
-                     "Items: svg 1, g 2, line 1, rect 1, circle 1, path 1, text 1, image 1\n");
-}
-
-TEST_F(DocumentCommands, InfoReportsEveryMessageAndFailsWhenTheLoadFails)
-{
-    const std::string file = Write("odd.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"1\"><foo/>"
-                                              "<text font-style=\"oblique\">t</text></svg>");
-    const CliRun strict = RunTool({"info", file});
-    EXPECT_EQ(strict.code, 1);
-    EXPECT_EQ(strict.out, "");
-    EXPECT_EQ(strict.err, "Unsupported attribute attribute \"width\" with value \"1\"\n");
-
-    const CliRun lenient = RunTool({"info", "--lenient", file});
-    EXPECT_EQ(lenient.code, 0);
-    EXPECT_EQ(lenient.out, "svg\n  text x=0 y=0 content=\"t\"\nItems: svg 1, text 1\n");
-    EXPECT_EQ(lenient.err, "Ignore unsupported attribute \"width\" with value \"1\"\n"
-                           "Ignore unsupported tag in svg : \"foo\"\n"
-                           "Ignore unsupported attribute \"font-style\" with value \"oblique\"\n");
-
-    const CliRun missing = RunTool({"info", Path("missing.svg")});
-    EXPECT_EQ(missing.code, 1);
-    EXPECT_EQ(missing.err, "Fail to open file\n");
-
+    const std::string odd = Write("odd.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"1\"><foo/>"
+                                             "<text font-style=\"oblique\">t</text></svg>");
     const std::string text = Write("drawing.txt", kDrawing);
-    const CliRun noDriver = RunTool({"info", text});
-    EXPECT_EQ(noDriver.code, 1);
-    EXPECT_EQ(noDriver.err, "vksvg: no driver can load \"" + text + "\"\n");
-
-    const CliRun nothing = RunTool({"info", Write("style.svg", "<style/>")});
-    EXPECT_EQ(nothing.code, 0);
-    EXPECT_EQ(nothing.out, "Items: none\n");
-}
-
-TEST_F(DocumentCommands, ConvertWritesWithTheChosenOptions)
-{
+    const std::string styleOnly = Write("style.svg", "<style/>");
     const std::string in = Write("in.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\"><g><circle r=\"3.14159\"/>"
                                            "<path d=\"M10 20 C10 20 30 -5 30 -5\"/></g></svg>");
-    const CliRun compact = RunTool({"convert", in, "-", "--no-header", "--precision", "2"});
-    EXPECT_EQ(compact.code, 0) << compact.err;
-    EXPECT_EQ(compact.err, "");
-    EXPECT_EQ(compact.out, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                           "<svg xmlns=\"http://www.w3.org/2000/svg\"><g><circle r=\"3.14\"/>"
-                           "<path d=\"M10 20C10 20 30-5 30-5\"/></g></svg>\n");
-
-    const std::string out = Path("out.svg");
-    const CliRun pretty = RunTool({"convert", "--pretty", in, out, "--no-header"});
-    EXPECT_EQ(pretty.code, 0) << pretty.err;
-    EXPECT_EQ(pretty.out, "");
-    EXPECT_EQ(Read(out), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                         "<svg xmlns=\"http://www.w3.org/2000/svg\">\n"
-                         "  <g>\n"
-                         "    <circle r=\"3.14159\"/>\n"
-                         "    <path d=\"M 10 20 C 10 20 30 -5 30 -5\"/>\n"
-                         "  </g>\n"
-                         "</svg>\n");
-
+    const std::string ellipse =
+        Write("ellipse.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\"><ellipse/><rect/></svg>");
+    const std::string good = Write("good.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\"/>");
+    const std::string declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+    const struct {
+        std::vector<std::string> args;
+        int code;
+        std::string out, err;
+    } cases[] = {
+        {{"color", "#ff8000"}, 0, "#ff8000: 255 128 0 255\n", ""},
+        {{"color", "rebeccapurple", "rgba(1,2,3,4)"}, 0, "rebeccapurple: 102 51 153 255\nrgba(1,2,3,4): 1 2 3 4\n", ""},
+        {{"color", "Red"}, 1, "Red: no colour\n", ""},
+        {{"color", "none", "#000"}, 1, "none: no colour\n#000: 0 0 0 255\n", ""},
+        {{"info", Write("drawing.svg", kDrawing)},
+         0,
+         "svg viewBox=0,0,100,50 style=4B\n"
+         "  g id=\"layer\" transform=matrix(1 0 0 1 10 20)\n"
+         "    rect id=\"box\" x=1 y=2 width=30 height=40 rx=3 ry=0\n"
+         "    circle cx=5 cy=6 r=0.5\n"
+         "    path commands=4\n"
+         "    text x=4 y=5 content=\"Hello world\"\n"
+         "    image x=0 y=0 width=8 height=9 href=\"pic.png\"\n"
+         "  line x1=1 y1=0 x2=0 y2=7.25\n"
+         "  g\n"
+         "Items: svg 1, g 2, line 1, rect 1, circle 1, path 1, text 1, image 1\n",
+         ""},
+        {{"info", odd}, 1, "", "Unsupported attribute attribute \"width\" with value \"1\"\n"},
+        {{"info", "--lenient", odd},
+         0,
+         "svg\n  text x=0 y=0 content=\"t\"\nItems: svg 1, text 1\n",
+         "Ignore unsupported attribute \"width\" with value \"1\"\n"
+         "Ignore unsupported tag in svg : \"foo\"\n"
+         "Ignore unsupported attribute \"font-style\" with value \"oblique\"\n"},
+        {{"info", Path("missing.svg")}, 1, "", "Fail to open file\n"},
+        {{"info", text}, 1, "", "vksvg: no driver can load \"" + text + "\"\n"},
+        {{"info", styleOnly}, 0, "Items: none\n", ""},
+        {{"convert", in, "-", "--no-header", "--precision", "2"},
+         0,
+         declaration + "<svg xmlns=\"http://www.w3.org/2000/svg\"><g><circle r=\"3.14\"/>"
+                       "<path d=\"M10 20C10 20 30-5 30-5\"/></g></svg>\n",
+         ""},
+        {{"convert", "--pretty", in, Path("out.svg"), "--no-header"}, 0, "", ""},
+        {{"convert", ellipse, "-"}, 1, "", "Found unsupported tag in svg : \"ellipse\"\n"},
+        {{"convert", ellipse, "-", "--lenient", "--no-header"},
+         0,
+         declaration + "<svg xmlns=\"http://www.w3.org/2000/svg\"><rect width=\"0\" height=\"0\"/></svg>\n",
+         "Ignore unsupported tag in svg : \"ellipse\"\n"},
+        {{"convert", good, Path("out.png")}, 1, "", "No driver available to save 'png'\n"},
+        {{"convert", good, "/nonexistent/dir/out.svg"}, 1, "", "Fail to open file\n"},
+        {{"convert", styleOnly, "-"}, 1, "", "vksvg: \"" + styleOnly + "\" holds no item to write\n"},
+    };
+    for (const auto& c : cases) {
+        const CliRun r = RunTool(c.args);
+        const std::string run = c.args[0] + " " + c.args[1];
+        EXPECT_EQ(r.code, c.code) << run;
+        EXPECT_EQ(r.out, c.out) << run;
+        EXPECT_EQ(r.err, c.err) << run;
+    }
+    EXPECT_EQ(Read(Path("out.svg")), declaration + "<svg xmlns=\"http://www.w3.org/2000/svg\">\n"
+                                                   "  <g>\n"
+                                                   "    <circle r=\"3.14159\"/>\n"
+                                                   "    <path d=\"M 10 20 C 10 20 30 -5 30 -5\"/>\n"
+                                                   "  </g>\n"
+                                                   "</svg>\n");
     const CliRun header = RunTool({"convert", in, "-"});
     EXPECT_EQ(header.code, 0);
     EXPECT_NE(header.out.find("<!--Exporter : "), std::string::npos);
     EXPECT_NE(header.out.find("--><!--Datetime : "), std::string::npos);
-}
-
-TEST_F(DocumentCommands, ConvertFailsOnLoadOrSaveFailures)
-{
-    const std::string odd = Write("odd.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\"><ellipse/><rect/></svg>");
-    const CliRun strict = RunTool({"convert", odd, "-"});
-    EXPECT_EQ(strict.code, 1);
-    EXPECT_EQ(strict.out, "");
-    EXPECT_EQ(strict.err, "Found unsupported tag in svg : \"ellipse\"\n");
-
-    const CliRun lenient = RunTool({"convert", odd, "-", "--lenient", "--no-header"});
-    EXPECT_EQ(lenient.code, 0);
-    EXPECT_EQ(lenient.err, "Ignore unsupported tag in svg : \"ellipse\"\n");
-    EXPECT_EQ(lenient.out, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                           "<svg xmlns=\"http://www.w3.org/2000/svg\"><rect width=\"0\" height=\"0\"/></svg>\n");
-
-    const std::string good = Write("good.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\"/>");
-    const CliRun png = RunTool({"convert", good, Path("out.png")});
-    EXPECT_EQ(png.code, 1);
-    EXPECT_EQ(png.err, "No driver available to save 'png'\n");
-
-    const CliRun unwritable = RunTool({"convert", good, "/nonexistent/dir/out.svg"});
-    EXPECT_EQ(unwritable.code, 1);
-    EXPECT_EQ(unwritable.err, "Fail to open file\n");
-
-    const std::string emptyFile = Write("style.svg", "<style/>");
-    const CliRun empty = RunTool({"convert", emptyFile, "-"});
-    EXPECT_EQ(empty.code, 1);
-    EXPECT_EQ(empty.err, "vksvg: \"" + emptyFile + "\" holds no item to write\n");
 }
 
 TEST_F(DocumentCommands, UsageErrors)

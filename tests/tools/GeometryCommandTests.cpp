@@ -4,30 +4,21 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <fstream>
-#include <sstream>
-#include <unistd.h>
-
 namespace {
 
 using tooltest::RunTool;
 using ToolRun = tooltest::CliRun;
 using tooltest::Command;
+using GeometryCommands = tooltest::TempFiles;
 
-ToolRun RunCommand(tooltest::Command command, const std::vector<std::string>& args) { return RunTool(args, command); }
-
-class GeometryCommands : public tooltest::TempFiles {
-protected:
-    static std::size_t CountLines(const std::string& text, const std::string& prefix)
-    {
-        std::size_t count = text.rfind(prefix, 0) == 0 ? 1 : 0;
-        for (std::size_t at = text.find("\n" + prefix); at != std::string::npos; at = text.find("\n" + prefix, at + 1))
-            ++count;
-        return count;
-    }
-};
+// The number of lines of `text` that begin with `prefix`.
+std::size_t CountLines(const std::string& text, const std::string& prefix)
+{
+    std::size_t count = text.rfind(prefix, 0) == 0 ? 1 : 0;
+    for (std::size_t at = text.find("\n" + prefix); at != std::string::npos; at = text.find("\n" + prefix, at + 1))
+        ++count;
+    return count;
+}
 
 // A filled red square under a translation, a stroked line and a text.
 const char* const kDrawing = "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 40 20\">"
@@ -45,7 +36,7 @@ const char* const kUnfillable = "<svg xmlns=\"http://www.w3.org/2000/svg\">"
 TEST_F(GeometryCommands, MeshWritesObjAndJson)
 {
     const std::string in = Path("drawing.svg", kDrawing);
-    const ToolRun obj = RunCommand(vksvg::runMeshCommand, {in, "-o", Path("mesh.obj")});
+    const ToolRun obj = RunTool({in, "-o", Path("mesh.obj")}, vksvg::runMeshCommand);
     EXPECT_EQ(obj.code, 0) << obj.err;
     EXPECT_EQ(obj.out, "Primitives: 2\nContour points: 6\nTriangles: 2\nFailed shapes: 0\n");
     const std::string objText = Read(Path("mesh.obj"));
@@ -56,7 +47,7 @@ TEST_F(GeometryCommands, MeshWritesObjAndJson)
     EXPECT_NE(objText.find("\nf 5 6 8\n"), std::string::npos); // numbered after the outline, from 1
     EXPECT_NE(objText.find("\nl 9 10\n"), std::string::npos);
 
-    const ToolRun json = RunCommand(vksvg::runMeshCommand, {in, "-o", Path("mesh.json")});
+    const ToolRun json = RunTool({in, "-o", Path("mesh.json")}, vksvg::runMeshCommand);
     EXPECT_EQ(json.code, 0) << json.err;
     const std::string jsonText = Read(Path("mesh.json"));
     EXPECT_NE(jsonText.find("\"points\":[[10,5],[20,5],[20,15],[10,15]],\"indices\":[[0,1],[1,2],[2,3],[3,0]]"),
@@ -71,7 +62,7 @@ TEST_F(GeometryCommands, MeshWritesObjAndJson)
 
 TEST_F(GeometryCommands, MeshReportsShapesThatKeepOnlyTheirOutline)
 {
-    const ToolRun r = RunCommand(vksvg::runMeshCommand, {Path("bad.svg", kUnfillable), "-o", Path("bad.json")});
+    const ToolRun r = RunTool({Path("bad.svg", kUnfillable), "-o", Path("bad.json")}, vksvg::runMeshCommand);
     EXPECT_EQ(r.code, 0);
     EXPECT_NE(r.out.find("Failed shapes: 1\n"), std::string::npos);
     EXPECT_NE(r.err.find("Only its contour will be visible."), std::string::npos);
@@ -83,7 +74,7 @@ TEST_F(GeometryCommands, RenderWritesAPngOfTheViewboxAspect)
 {
     const std::string in = Path("drawing.svg", kDrawing);
     const std::string png = Path("out.png");
-    const ToolRun r = RunCommand(vksvg::runRenderCommand, {in, "-o", png, "--width", "200"});
+    const ToolRun r = RunTool({in, "-o", png, "--width", "200"}, vksvg::runRenderCommand);
     EXPECT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out, "Wrote " + png + " (200x100): 2 primitives, 2 triangles, 0 failed shapes\n");
     const std::string bytes = Read(png);
@@ -98,7 +89,7 @@ TEST_F(GeometryCommands, RenderWritesAPngOfTheViewboxAspect)
 
     const std::string wire = Path("wire.png");
     EXPECT_EQ(
-        RunCommand(vksvg::runRenderCommand, {in, "-o", wire, "--height", "100", "--background", "none", "--wireframe"})
+        RunTool({in, "-o", wire, "--height", "100", "--background", "none", "--wireframe"}, vksvg::runRenderCommand)
             .code,
         0);
     EXPECT_NE(Read(wire), bytes);
@@ -106,7 +97,7 @@ TEST_F(GeometryCommands, RenderWritesAPngOfTheViewboxAspect)
 
 TEST_F(GeometryCommands, BboxPrintsDocumentAndTopLevelItems)
 {
-    const ToolRun r = RunCommand(vksvg::runBboxCommand, {Path("drawing.svg", kDrawing)});
+    const ToolRun r = RunTool({Path("drawing.svg", kDrawing)}, vksvg::runBboxCommand);
     EXPECT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out, "svg: 0 0 40 20\n"
                      "  g \"layer\": 10 5 20 15\n"
@@ -127,13 +118,13 @@ TEST_F(GeometryCommands, UsageAndLoadFailures)
         {vksvg::runBboxCommand, {in, "--frobnicate"}},
     };
     for (const auto& [command, args] : usage) {
-        const ToolRun r = RunCommand(command, args);
+        const ToolRun r = RunTool(args, command);
         EXPECT_EQ(r.code, 2) << args.back();
         EXPECT_NE(r.err.find("Usage: vksvg"), std::string::npos);
     }
     const std::string missing = Path("missing.svg");
-    EXPECT_EQ(RunCommand(vksvg::runMeshCommand, {missing, "-o", Path("m.obj")}).code, 1);
-    EXPECT_EQ(RunCommand(vksvg::runRenderCommand, {missing, "-o", Path("m.png")}).code, 1);
-    EXPECT_EQ(RunCommand(vksvg::runBboxCommand, {missing}).code, 1);
-    EXPECT_EQ(RunCommand(vksvg::runRenderCommand, {in, "-o", "/nonexistent-dir/x.png"}).code, 1);
+    EXPECT_EQ(RunTool({missing, "-o", Path("m.obj")}, vksvg::runMeshCommand).code, 1);
+    EXPECT_EQ(RunTool({missing, "-o", Path("m.png")}, vksvg::runRenderCommand).code, 1);
+    EXPECT_EQ(RunTool({missing}, vksvg::runBboxCommand).code, 1);
+    EXPECT_EQ(RunTool({in, "-o", "/nonexistent-dir/x.png"}, vksvg::runRenderCommand).code, 1);
 }

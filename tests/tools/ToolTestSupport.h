@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <sstream>
@@ -40,8 +39,7 @@ protected:
     std::string Path(const std::string& name, const char* text = nullptr)
     {
         const std::string path = ::testing::TempDir() + "/vksvg_tool_" + std::to_string(::getpid()) + "_" + name;
-        if (std::find(mFiles.begin(), mFiles.end(), path) == mFiles.end())
-            mFiles.push_back(path);
+        mFiles.push_back(path);
         if (text != nullptr)
             std::ofstream(path, std::ios::binary) << text;
         return path;

@@ -112,6 +112,12 @@ TEST(ParseXmlStream, DeliversEventsAndFailsCleanly)
     std::ofstream(secret) << "SECRET-MARKER";
     const std::string xxe = "<!ENTITY x SYSTEM \"file://" + secret + "\">";
     const std::string big = "<!ENTITY big \"<a/>" + std::string(10000, 't') + "\">";
+    // Were the parse to go on silently after a stop inside entity content, it
+    // would copy the huge entity again for every later reference, at the top
+    // or in an entity between.
+    const std::string huge = "<!ENTITY big \"<a/>" + std::string(500000, 't') + "\">";
+    const std::string hugeReferences = repeat("&big;", 20000);
+    const Configure stopAtA = [](Recorder& r) { r.startResults["a"] = 2; };
     std::string laughs = "<!ENTITY l0 \"lol\">";
     for (int i = 1; i <= 9; ++i)
         laughs += "<!ENTITY l" + std::to_string(i) + " \"" + repeat("&l" + std::to_string(i - 1) + ";", 10) + "\">";
@@ -144,6 +150,11 @@ TEST(ParseXmlStream, DeliversEventsAndFailsCleanly)
          {"start", "<r>", "<b x=1>", "<d>", "</d>", "text:v", "<b>", "</r>", "end"}},
         {"startElement Stop", "<r><a/><b/><c/></r>", [](Recorder& r) { r.startResults["b"] = 2; }, false,
          {"start", "<r>", "<a>", "</a>", "<b>"}},
+        {"Stop inside entity content", "<!DOCTYPE r [" + huge + "]><r>" + hugeReferences + "</r>", stopAtA, false,
+         {"start", "<r>", "<a>"}},
+        {"Stop inside nested entity content",
+         "<!DOCTYPE r [" + huge + "<!ENTITY m \"" + hugeReferences + "\">]><r>&m;</r>", stopAtA, false,
+         {"start", "<r>", "<a>"}},
         {"endElement false", "<r><a/><b/></r>", [](Recorder& r) { r.refuse = "</a>"; }, false,
          {"start", "<r>", "<a>", "</a>"}},
         {"characters false", "<r>one<b/></r>", [](Recorder& r) { r.refuse = "text:one"; }, false,
@@ -190,24 +201,6 @@ TEST(ParseXmlStream, DeliversEventsAndFailsCleanly)
             EXPECT_EQ(parse(c.document, c.setup, ok, chunk), events) << c.name << ", chunk " << chunk;
     }
     std::remove(secret.c_str());
-}
-
-TEST(ParseXmlStream, StopInsideEntityContentEndsTheWholeParseQuickly)
-{
-    // Were the parse to go on silently, it would copy the big entity again
-    // for every reference after the stop, at the top or in an entity between.
-    const std::string big = "<!ENTITY big \"<a/>" + std::string(500000, 't') + "\">";
-    const std::string references = repeat("&big;", 20000);
-    for (const std::string& document : {"<!DOCTYPE r [" + big + "]><r>" + references + "</r>",
-                                        "<!DOCTYPE r [" + big + "<!ENTITY m \"" + references + "\">]><r>&m;</r>"}) {
-        bool ok = true;
-        const auto start = std::chrono::steady_clock::now();
-        const Events events = parse(
-            document, [](Recorder& r) { r.startResults["a"] = 2; }, ok);
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
-        EXPECT_FALSE(ok);
-        EXPECT_EQ(events, (Events{"start", "<r>", "<a>"}));
-    }
 }
 
 TEST(ParseXmlStream, CancelLeavesOneMessage)
