@@ -15,19 +15,21 @@ namespace {
 
 Wm4::BezierCurve2<float> Cubic(V p0, V p1, V p2, V p3) { return Wm4::BezierCurve2<float>(3, new V[4]{p0, p1, p2, p3}); }
 
-void ExpectPoint(const V& actual, float x, float y)
+// A lone job over the given control points, as the first of a curve.
+SegmentationJob Job(BezierSegmentationWorkspace& ws, V p0, V p1, V p2, V p3)
 {
-    EXPECT_EQ(actual.X(), x);
-    EXPECT_EQ(actual.Y(), y);
+    ws.initWorkspace(1, 4);
+    const V points[4] = {p0, p1, p2, p3};
+    return SegmentationJob(ws, ws.createVector(points, points + 4), 0.5f, 0.25f);
 }
 
-float Score(V p0, V p1, V p2, V p3)
+std::vector<float> Params(const std::vector<SegmentationJob>& jobs)
 {
-    BezierSegmentationWorkspace ws;
-    ws.initWorkspace(1, 4);
-    V* points = ws.createVector();
-    points[0] = p0, points[1] = p1, points[2] = p2, points[3] = p3;
-    return SegmentationJob(ws, points, 0.5f, 0.25f).error;
+    std::vector<float> ts;
+    for (const SegmentationJob& job : jobs) {
+        ts.push_back(job.t);
+    }
+    return ts;
 }
 
 // The plain worst-first loop, to check the heap that large budgets use.
@@ -50,9 +52,7 @@ std::vector<float> ScanReference(const Wm4::BezierCurve2<float>& curve, unsigned
         jobs[worst] = SegmentationJob(ws, parent.left, parent.t - parent.step, parent.step / 2);
         jobs.emplace_back(ws, parent.right, parent.t + parent.step, parent.step / 2);
     }
-    std::vector<float> ts;
-    for (const SegmentationJob& job : jobs)
-        ts.push_back(job.t);
+    std::vector<float> ts = Params(jobs);
     std::stable_sort(ts.begin(), ts.end());
     return ts;
 }
@@ -64,7 +64,6 @@ TEST(BezierWorkspace, HandsOutFourVectorsPerPowerOfTwoJobs)
     BezierSegmentationWorkspace ws;
     for (auto [maxJobs, vectors] : {std::pair<std::size_t, std::size_t>{0, 4}, {1, 4}, {3, 16}, {5, 32}}) {
         ws.initWorkspace(maxJobs, 4);
-        EXPECT_EQ(ws.getNumPoints(), 4u);
         V* first = ws.createVector();
         for (std::size_t i = 1; i < vectors; ++i)
             EXPECT_EQ(ws.createVector(), first + 4 * i);
@@ -73,29 +72,25 @@ TEST(BezierWorkspace, HandsOutFourVectorsPerPowerOfTwoJobs)
     }
     const V source[3] = {V(1, 2), V(3, 4), V(5, 6)};
     ws.initWorkspace(2, 3);
-    ExpectPoint(ws.createVector(source, source + 3)[2], 5, 6);
+    EXPECT_EQ(ws.createVector(source, source + 3)[2], V(5, 6));
 }
 
 TEST(BezierJob, ScoresSignedFlatnessAndSplitsAtTheMidpoint)
 {
-    EXPECT_FLOAT_EQ(Score(V(0, 0), V(1, 0), V(2, 0), V(3, 0)), -1.0f); // flat
-    EXPECT_FLOAT_EQ(Score(V(2, 2), V(2, 2), V(2, 2), V(2, 2)), -1.0f); // no polygon
-    EXPECT_FLOAT_EQ(Score(V(0, 0), V(0, 1), V(1, 1), V(1, 0)), -1.0f / 3.0f);
-    // Inner points on opposite sides: 1 - 3 / (2 sqrt 2 + sqrt 5), ahead of every convex piece.
-    EXPECT_NEAR(Score(V(0, 0), V(1, 1), V(2, -1), V(3, 0)), 1.0 - 3.0 / (2 * std::sqrt(2.0) + std::sqrt(5.0)), 1e-6);
-
     BezierSegmentationWorkspace ws;
-    ws.initWorkspace(1, 4);
-    V* points = ws.createVector();
-    points[0] = V(0, 0), points[1] = V(0, 1), points[2] = V(1, 1), points[3] = V(1, 0);
-    const SegmentationJob job(ws, points, 0.5f, 0.25f);
-    ExpectPoint(job.getResult(), 0.5f, 0.75f);
-    const float left[] = {0, 0, 0, 0.5f, 0.25f, 0.75f, 0.5f, 0.75f};
-    const float right[] = {0.5f, 0.75f, 0.75f, 0.75f, 1, 0.5f, 1, 0};
-    for (int i = 0; i < 4; ++i) {
-        ExpectPoint(job.left[i], left[2 * i], left[2 * i + 1]);
-        ExpectPoint(job.right[i], right[2 * i], right[2 * i + 1]);
-    }
+    EXPECT_FLOAT_EQ(Job(ws, V(0, 0), V(1, 0), V(2, 0), V(3, 0)).error, -1.0f); // flat
+    EXPECT_FLOAT_EQ(Job(ws, V(2, 2), V(2, 2), V(2, 2), V(2, 2)).error, -1.0f); // no polygon
+    // Inner points on opposite sides: 1 - 3 / (2 sqrt 2 + sqrt 5), ahead of every convex piece.
+    EXPECT_NEAR(Job(ws, V(0, 0), V(1, 1), V(2, -1), V(3, 0)).error, 1.0 - 3.0 / (2 * std::sqrt(2.0) + std::sqrt(5.0)),
+                1e-6);
+
+    const SegmentationJob job = Job(ws, V(0, 0), V(0, 1), V(1, 1), V(1, 0));
+    EXPECT_FLOAT_EQ(job.error, -1.0f / 3.0f);
+    EXPECT_EQ(job.getResult(), V(0.5f, 0.75f));
+    EXPECT_EQ(std::vector<V>(job.left, job.left + 4),
+              (std::vector<V>{V(0, 0), V(0, 0.5f), V(0.25f, 0.75f), V(0.5f, 0.75f)}));
+    EXPECT_EQ(std::vector<V>(job.right, job.right + 4),
+              (std::vector<V>{V(0.5f, 0.75f), V(0.75f, 0.75f), V(1, 0.5f), V(1, 0)}));
 }
 
 TEST(BezierPoints, SplitsWorstFirstWithinBudgetAndTolerance)
@@ -109,7 +104,7 @@ TEST(BezierPoints, SplitsWorstFirstWithinBudgetAndTolerance)
     for (auto [budget, tolerance] : {std::pair<unsigned int, float>{0, -2}, {1, -2}, {32, -1.0f / 3.0f}}) {
         DeCasteljauGetBezierPoints(ws, arch, jobs, budget, tolerance);
         ASSERT_EQ(jobs.size(), 1u);
-        ExpectPoint(jobs[0].getResult(), 0.5f, 0.75f);
+        EXPECT_EQ(jobs[0].getResult(), V(0.5f, 0.75f));
     }
 
     // Three pieces: after the first split the halves score alike, so which
@@ -119,7 +114,7 @@ TEST(BezierPoints, SplitsWorstFirstWithinBudgetAndTolerance)
     ASSERT_EQ(jobs.size(), 3u);
     for (const SegmentationJob& job : jobs) {
         const float t = job.t;
-        ExpectPoint(job.getResult(), 3 * t * t - 2 * t * t * t, 3 * t * (1 - t));
+        EXPECT_EQ(job.getResult(), V(3 * t * t - 2 * t * t * t, 3 * t * (1 - t)));
     }
     EXPECT_TRUE(jobs[0].t < jobs[1].t && jobs[1].t < jobs[2].t);
 
@@ -149,10 +144,7 @@ TEST(BezierPoints, LargeBudgetsPickTheSamePiecesAsTheScan)
     for (const auto& curve : curves) {
         for (auto [budget, tolerance] : {std::pair<unsigned int, float>{65, -2.0f}, {300, -2.0f}, {300, -0.99999f}}) {
             DeCasteljauGetBezierPoints(ws, curve, jobs, budget, tolerance);
-            std::vector<float> ts;
-            for (const SegmentationJob& job : jobs)
-                ts.push_back(job.t);
-            EXPECT_EQ(ts, ScanReference(curve, budget, tolerance)) << budget;
+            EXPECT_EQ(Params(jobs), ScanReference(curve, budget, tolerance)) << budget;
         }
     }
 }
@@ -164,14 +156,14 @@ TEST(BezierSegment, AppendsStartMidpointsAndEndAsAChain)
     SegmentedPrimitive primitive;
     DeCasteljauSegmentBezier(ws, flat, primitive, true, 32, -0.999f);
     ASSERT_EQ(primitive.getPoints().size(), 3u);
-    ExpectPoint(primitive.getPoints()[1], 1.5f, 0);
+    EXPECT_EQ(primitive.getPoints()[1], V(1.5f, 0));
     EXPECT_EQ(primitive.getIndices(), segtest::Chain(0, 2));
 
     // Continuing: no start point, and the first pair joins the previous end.
     DeCasteljauSegmentBezier(ws, Cubic(V(3, 0), V(3, 1), V(3, 2), V(3, 3)), primitive, false, 0, -0.999f);
     ASSERT_EQ(primitive.getPoints().size(), 5u);
-    ExpectPoint(primitive.getPoints()[3], 3, 1.5f);
-    ExpectPoint(primitive.getPoints()[4], 3, 3);
+    EXPECT_EQ(primitive.getPoints()[3], V(3, 1.5f));
+    EXPECT_EQ(primitive.getPoints()[4], V(3, 3));
     EXPECT_EQ(primitive.getIndices(), segtest::Chain(0, 4));
 
     // Nothing to continue from: the start is added anyway.
@@ -189,36 +181,29 @@ TEST(ArcSegment, StepsEvenlyFromTheStartAngle)
     SegmentEllipticalArc(V(0, 0), V(1, 1), 0, 0, pi, points, indices, true, 4, 0.1f);
     ASSERT_EQ(points.size(), 5u);
     for (int i = 0; i <= 4; ++i) {
-        EXPECT_NEAR(points[i].X(), std::cos(i * pi / 4), 1e-6) << i;
-        EXPECT_NEAR(points[i].Y(), std::sin(i * pi / 4), 1e-6) << i;
+        EXPECT_TRUE(segtest::Near(points[i], std::cos(i * pi / 4), std::sin(i * pi / 4), 1e-6)) << i;
     }
     EXPECT_EQ(indices, segtest::Chain(0, 4));
 
     // Continuing clockwise: four points, the first pair from the last point.
     SegmentEllipticalArc(V(0, 0), V(1, 1), 0, pi, -pi, points, indices, false, 4, 0.1f);
     ASSERT_EQ(points.size(), 9u);
-    EXPECT_NEAR(points[5].X(), std::cos(3 * pi / 4), 1e-6);
-    EXPECT_NEAR(points[5].Y(), std::sin(3 * pi / 4), 1e-6);
+    EXPECT_TRUE(segtest::Near(points[5], std::cos(3 * pi / 4), std::sin(3 * pi / 4), 1e-6));
     EXPECT_NEAR(points[8].X(), 1, 1e-6);
     EXPECT_EQ(indices, segtest::Chain(0, 8));
 
     // A quarter turn of the axes puts the x radius along y.
-    points.clear();
-    indices.clear();
-    SegmentEllipticalArc(V(10, 20), V(2, 1), pi / 2, 0, pi / 2, points, indices, true, 1, 0.1f);
-    ASSERT_EQ(points.size(), 2u);
-    EXPECT_NEAR(points[0].X(), 10, 1e-6);
-    EXPECT_NEAR(points[0].Y(), 22, 1e-6);
-    EXPECT_NEAR(points[1].X(), 9, 1e-6);
-    EXPECT_NEAR(points[1].Y(), 20, 1e-6);
+    std::vector<V> turned;
+    SegmentEllipticalArc(V(10, 20), V(2, 1), pi / 2, 0, pi / 2, turned, indices, true, 1, 0.1f);
+    ASSERT_EQ(turned.size(), 2u);
+    EXPECT_TRUE(segtest::Near(turned[0], 10, 22, 1e-6));
+    EXPECT_TRUE(segtest::Near(turned[1], 9, 20, 1e-6));
 
     // No steps: the chord, never the angle 0 / 0.
-    points.clear();
-    indices.clear();
-    SegmentEllipticalArc(V(0, 0), V(1, 1), 0, 0, pi, points, indices, true, 0, 0.1f);
-    ASSERT_EQ(points.size(), 2u);
-    EXPECT_FALSE(std::isnan(points[1].X()));
-    EXPECT_NEAR(points[1].X(), -1, 1e-6);
+    std::vector<V> chord;
+    SegmentEllipticalArc(V(0, 0), V(1, 1), 0, 0, pi, chord, indices, true, 0, 0.1f);
+    ASSERT_EQ(chord.size(), 2u);
+    EXPECT_NEAR(chord[1].X(), -1, 1e-6); // NaN fails this too
 }
 
 TEST(Segmentation, RunawayCountsAreRefusedWithAMessage)

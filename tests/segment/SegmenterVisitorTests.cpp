@@ -4,7 +4,6 @@
 #include "SegmentTestSupport.h"
 
 #include <svg/Library.h>
-#include <svg/PathData.h>
 #include <svg/vkSvgIOManager.h>
 
 #include <gtest/gtest.h>
@@ -12,27 +11,18 @@
 #include <iterator>
 
 using namespace vk::svg;
+using segtest::MakePath;
 using segtest::V;
 
 namespace {
-
-std::shared_ptr<Path> MakePath(const std::string& data)
-{
-    auto path = std::make_shared<Path>();
-    std::string error;
-    EXPECT_TRUE(ConvertPathStringToCommands(data, path->editCommands(), &error)) << error;
-    return path;
-}
 
 const SegmentedPrimitive& At(const SegmenterVisitor& visitor, std::size_t i)
 {
     return **std::next(visitor.getSegmentedPrimitives().begin(), static_cast<std::ptrdiff_t>(i));
 }
 
-// A filled outline that the triangulator refuses: a corner on another edge.
-const char* const kUnfillable = "M0 0 H10 V10 H0 Z M5 0 L7 5 L3 5 Z";
-
-std::shared_ptr<Document> Load(const std::string& name)
+// A sample document, segmented; null when it does not load.
+std::unique_ptr<SegmenterVisitor> Segmented(const std::string& name)
 {
     initializeVkSvg();
     ItemInterfacePointer<ItemInterface> root;
@@ -42,7 +32,8 @@ std::shared_ptr<Document> Load(const std::string& name)
                                                   &options, &messages);
     terminateVkSvg();
     EXPECT_TRUE(ok) << name;
-    return std::dynamic_pointer_cast<Document>(std::shared_ptr<ItemInterface>(root));
+    const auto document = std::dynamic_pointer_cast<Document>(std::shared_ptr<ItemInterface>(root));
+    return document ? std::make_unique<SegmenterVisitor>(*document) : nullptr;
 }
 
 } // namespace
@@ -91,11 +82,11 @@ TEST(SegmenterVisitor, StrokedFailureStopsUnstrokedFailureShowsItsOutline)
 {
     segtest::CapturedLog log;
     Document document;
-    auto quiet = MakePath(kUnfillable);
+    auto quiet = MakePath(segtest::kUnfillable);
     quiet->editRenderingProperties().editFill() = "green";
     quiet->editRenderingProperties().editFillOpacity() = 0.5f;
     document.addChild(quiet, true);
-    auto stroked = MakePath(kUnfillable);
+    auto stroked = MakePath(segtest::kUnfillable);
     stroked->editRenderingProperties().editStroke() = "black";
     document.addChild(stroked, true);
     document.addChild(std::make_shared<Rect>(V(0, 0), V(1, 1)), true);
@@ -136,42 +127,37 @@ TEST(SegmenterVisitor, SampleDocuments)
 {
     // Three rectangles, two circles, two lines and a path; text and image
     // add nothing. Unset fills are black, so every closed shape is filled.
-    auto shapes = Load("shapes.svg");
-    ASSERT_NE(shapes, nullptr);
-    const SegmenterVisitor visitor(*shapes);
-    EXPECT_FALSE(visitor.hasError());
-    ASSERT_EQ(visitor.getSegmentedPrimitives().size(), 8u);
-    EXPECT_DOUBLE_EQ(segtest::MeshArea(At(visitor, 0)), 4000.0); // corner radii are not drawn
-    EXPECT_DOUBLE_EQ(segtest::MeshArea(At(visitor, 1)), 0.0);
-    EXPECT_DOUBLE_EQ(segtest::MeshArea(At(visitor, 2)), 125.0);
-    EXPECT_NEAR(segtest::MeshArea(At(visitor, 3)), 16 * 900 * std::sin(3.14159265 / 16), 0.05);
-    EXPECT_EQ(At(visitor, 5).getPoints(), (std::vector<V>{V(0, 0), V(240, 160)}));
+    const auto shapes = Segmented("shapes.svg");
+    ASSERT_TRUE(shapes);
+    EXPECT_FALSE(shapes->hasError());
+    ASSERT_EQ(shapes->getSegmentedPrimitives().size(), 8u);
+    EXPECT_DOUBLE_EQ(segtest::MeshArea(At(*shapes, 0)), 4000.0); // corner radii are not drawn
+    EXPECT_DOUBLE_EQ(segtest::MeshArea(At(*shapes, 1)), 0.0);
+    EXPECT_DOUBLE_EQ(segtest::MeshArea(At(*shapes, 2)), 125.0);
+    EXPECT_NEAR(segtest::MeshArea(At(*shapes, 3)), 16 * 900 * std::sin(3.14159265 / 16), 0.05);
+    EXPECT_EQ(At(*shapes, 5).getPoints(), (std::vector<V>{V(0, 0), V(240, 160)}));
 
     // A rotation about the origin followed by a shift by (10, 20), inside a
     // group shifted by (10, 20): (5, 0) lands on (20, 45).
-    auto transforms = Load("transforms.svg");
-    ASSERT_NE(transforms, nullptr);
-    const SegmenterVisitor moved(*transforms);
-    ASSERT_EQ(moved.getSegmentedPrimitives().size(), 13u);
-    EXPECT_EQ(At(moved, 0).getPoints()[0], V(17, 20));
-    const V corner = At(moved, 4).getPoints()[1];
-    EXPECT_NEAR(corner.X(), 20, 1e-5);
-    EXPECT_NEAR(corner.Y(), 45, 1e-5);
+    const auto moved = Segmented("transforms.svg");
+    ASSERT_TRUE(moved);
+    ASSERT_EQ(moved->getSegmentedPrimitives().size(), 13u);
+    EXPECT_EQ(At(*moved, 0).getPoints()[0], V(17, 20));
+    EXPECT_TRUE(segtest::Near(At(*moved, 4).getPoints()[1], 20, 45, 1e-5));
 
     // Paint cascades from the root: fill none, stroke black, width 1.5.
-    auto presentation = Load("presentation.svg");
-    ASSERT_NE(presentation, nullptr);
-    const SegmenterVisitor painted(*presentation);
-    EXPECT_FALSE(painted.hasError());
-    const RenderingProperties& hex6 = At(painted, 0).getProperties();
+    const auto painted = Segmented("presentation.svg");
+    ASSERT_TRUE(painted);
+    EXPECT_FALSE(painted->hasError());
+    const RenderingProperties& hex6 = At(*painted, 0).getProperties();
     EXPECT_EQ(hex6.getFill(), "#ff8000");
     EXPECT_EQ(hex6.getStroke(), "black");
     EXPECT_EQ(hex6.getStrokeWidth(), 1.5f);
     EXPECT_EQ(hex6.getOpacity(), 0.75f);
-    EXPECT_FALSE(At(painted, 0).getTriangleIndices().empty());
-    EXPECT_TRUE(At(painted, 7).getTriangleIndices().empty()); // a line
+    EXPECT_FALSE(At(*painted, 0).getTriangleIndices().empty());
+    EXPECT_TRUE(At(*painted, 7).getTriangleIndices().empty()); // a line
 
-    auto paths = Load("paths.svg");
-    ASSERT_NE(paths, nullptr);
-    EXPECT_EQ(SegmenterVisitor(*paths).getSegmentedPrimitives().size(), 7u);
+    const auto paths = Segmented("paths.svg");
+    ASSERT_TRUE(paths);
+    EXPECT_EQ(paths->getSegmentedPrimitives().size(), 7u);
 }

@@ -1,6 +1,6 @@
 #include <svg/Triangulation.h>
 
-#include <wm4/Wm4Vector2.h>
+#include "Shapes.h"
 
 #include <gtest/gtest.h>
 
@@ -12,16 +12,16 @@
 #include <string>
 #include <vector>
 
-using V2 = Wm4::Vector2<float>;
+using shapes::V2;
 using Edges = std::vector<unsigned int>;
 
 namespace {
 
-std::vector<V2> Grid(std::initializer_list<std::pair<float, float>> xy)
+std::vector<V2> Grid(std::initializer_list<float> xy) // x0, y0, x1, y1, ...
 {
     std::vector<V2> points;
-    for (const auto& p : xy) {
-        points.emplace_back(p.first, p.second);
+    for (auto p = xy.begin(); p + 1 < xy.end(); p += 2) {
+        points.emplace_back(p[0], p[1]);
     }
     return points;
 }
@@ -45,20 +45,7 @@ bool SameBits(const std::vector<V2>& a, const std::vector<V2>& b)
 // The walk exactly as it reads: whole-list rewrites and erasures in place.
 Edges ReferenceCleanup(const std::vector<V2>& points, Edges edges)
 {
-    float lo[2] = {0, 0};
-    float hi[2] = {1, 1};
-    if (points.size() > 1) {
-        for (int c = 0; c < 2; ++c) {
-            lo[c] = hi[c] = points[0][c];
-            for (const V2& p : points) {
-                if (p[c] < lo[c]) {
-                    lo[c] = p[c];
-                } else if (p[c] > hi[c]) {
-                    hi[c] = p[c];
-                }
-            }
-        }
-    }
+    const auto [lo, hi] = points.size() > 1 ? shapes::Bounds(points) : std::pair(V2(0, 0), V2(1, 1));
     const float inv[2] = {1.0f / (hi[0] - lo[0]), 1.0f / (hi[1] - lo[1])};
     std::vector<V2> u;
     for (const V2& p : points) {
@@ -104,7 +91,7 @@ TEST(CleanupContour, ExactCases)
 {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     // A 2x2 square with the midpoint of every side.
-    const auto square8 = Grid({{0, 0}, {1, 0}, {2, 0}, {2, 1}, {2, 2}, {1, 2}, {0, 2}, {0, 1}});
+    const auto square8 = Grid({0, 0, 1, 0, 2, 0, 2, 1, 2, 2, 1, 2, 0, 2, 0, 1});
     struct Case {
         std::string name;
         std::vector<V2> points;
@@ -116,32 +103,26 @@ TEST(CleanupContour, ExactCases)
         {"empty point list", {}, {0, 1}, {0, 1}},
         {"odd edge list", square8, {0, 1, 1}, {0, 1, 1}},
         {"index out of range", square8, {0, 1, 1, 8}, {0, 1, 1, 8}},
-        {"duplicated corner",
-         Grid({{0, 0}, {1, 0}, {1, 0}, {1, 1}, {0, 1}}),
-         Ring({0, 1, 2, 3, 4}),
-         {0, 1, 1, 3, 3, 4, 4, 0}},
+        {"duplicated corner", Grid({0, 0, 1, 0, 1, 0, 1, 1, 0, 1}), Ring({0, 1, 2, 3, 4}), {0, 1, 1, 3, 3, 4, 4, 0}},
         {"midpoints from a corner", square8, Ring({0, 1, 2, 3, 4, 5, 6, 7}), {0, 2, 2, 4, 4, 6, 6, 0}},
         // The edges meeting at the starting midpoint are never compared.
         {"midpoints from a midpoint", square8, Ring({1, 2, 3, 4, 5, 6, 7, 0}), {1, 2, 2, 4, 4, 6, 6, 0, 0, 1}},
-        {"doubling back merges too", Grid({{0, 0}, {4, 0}, {2, 0}, {2, 3}}), Ring({0, 1, 2, 3}), {0, 2, 2, 3, 3, 0}},
+        {"doubling back merges too", Grid({0, 0, 4, 0, 2, 0, 2, 3}), Ring({0, 1, 2, 3}), {0, 2, 2, 3, 3, 0}},
         {"closing snap",
-         Grid({{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0.005f, 0}}),
+         Grid({0, 0, 10, 0, 10, 10, 0, 10, 0.005f, 0}),
          {0, 1, 1, 2, 2, 3, 3, 4},
          {0, 1, 1, 2, 2, 3, 3, 0}},
-        {"short in a 1-wide shape",
-         Grid({{0, 0}, {0.0005f, 0}, {1, 1}, {0, 1}}),
-         Ring({0, 1, 2, 3}),
-         {0, 2, 2, 3, 3, 0}},
-        {"not short in a 0.1-wide shape", Grid({{0, 0}, {0.0005f, 0}, {0.1f, 0.1f}, {0, 0.1f}}), Ring({0, 1, 2, 3}),
+        {"short in a 1-wide shape", Grid({0, 0, 0.0005f, 0, 1, 1, 0, 1}), Ring({0, 1, 2, 3}), {0, 2, 2, 3, 3, 0}},
+        {"not short in a 0.1-wide shape", Grid({0, 0, 0.0005f, 0, 0.1f, 0.1f, 0, 0.1f}), Ring({0, 1, 2, 3}),
          Ring({0, 1, 2, 3})},
         // No height: every normalised y is NaN, and nothing compares less.
-        {"zero extent", Grid({{0, 0}, {0.0001f, 0}, {1, 0}}), Ring({0, 1, 2}), Ring({0, 1, 2})},
-        {"NaN point", Grid({{nan, 0}, {0, 0}, {1, 1}}), Ring({0, 1, 2}), Ring({0, 1, 2})},
+        {"zero extent", Grid({0, 0, 0.0001f, 0, 1, 0}), Ring({0, 1, 2}), Ring({0, 1, 2})},
+        {"NaN point", Grid({nan, 0, 0, 0, 1, 1}), Ring({0, 1, 2}), Ring({0, 1, 2})},
         // An unreferenced far point shrinks everything else into one spot.
-        {"edge list empties", Grid({{0, 0}, {0.5f, 0.5f}, {1000, 1000}}), Ring({0, 1}), {}},
+        {"edge list empties", Grid({0, 0, 0.5f, 0.5f, 1000, 1000}), Ring({0, 1}), {}},
         // The dropped point is rewritten in the other contour as well.
         {"shared point",
-         Grid({{0, 0}, {4, 0}, {4, 4}, {4, 0.001f}, {8, 0}, {8, 4}}),
+         Grid({0, 0, 4, 0, 4, 4, 4, 0.001f, 8, 0, 8, 4}),
          {0, 1, 1, 3, 3, 2, 2, 0, 3, 4, 4, 5, 5, 3},
          {0, 1, 1, 2, 2, 0, 1, 4, 4, 5, 5, 1}},
     };

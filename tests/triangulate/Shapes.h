@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace shapes {
@@ -71,6 +72,20 @@ inline Ring RandomWalk(std::mt19937& rng, std::size_t n, float width)
     Ring ring(bottom.begin(), bottom.end());
     ring.insert(ring.end(), top.rbegin(), top.rend());
     return ring;
+}
+
+// The least and the greatest coordinate on each axis.
+inline std::pair<V2, V2> Bounds(const std::vector<V2>& points)
+{
+    V2 lo = points[0];
+    V2 hi = points[0];
+    for (const V2& p : points) {
+        for (int c = 0; c < 2; ++c) {
+            lo[c] = std::min(lo[c], p[c]);
+            hi[c] = std::max(hi[c], p[c]);
+        }
+    }
+    return {lo, hi};
 }
 
 inline double ShoelaceArea(const Ring& ring)

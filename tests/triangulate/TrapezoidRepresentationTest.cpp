@@ -79,21 +79,15 @@ void ExpectConsistent(const TrapezoidRepresentation& rep, std::size_t insertedVe
 
 bool SameTrapezoids(const TrapezoidRepresentation& a, const TrapezoidRepresentation& b)
 {
+    const auto key = [](const vk::impl::Trapezoid& t) {
+        std::vector<RecordId> k = {t.lower, t.upper, t.sides[0], t.sides[1], RecordId(t.above.size())};
+        k.insert(k.end(), t.above.begin(), t.above.end());
+        k.insert(k.end(), t.below.begin(), t.below.end());
+        return k;
+    };
     const auto& x = a.getTrapezoids();
     const auto& y = b.getTrapezoids();
-    if (x.size() != y.size()) {
-        return false;
-    }
-    for (std::size_t i = 0; i < x.size(); ++i) {
-        const auto same = [](const vk::impl::NeighbourList& p, const vk::impl::NeighbourList& q) {
-            return std::equal(p.begin(), p.end(), q.begin(), q.end());
-        };
-        if (x[i].lower != y[i].lower || x[i].upper != y[i].upper || x[i].sides[0] != y[i].sides[0] ||
-            x[i].sides[1] != y[i].sides[1] || !same(x[i].above, y[i].above) || !same(x[i].below, y[i].below)) {
-            return false;
-        }
-    }
-    return true;
+    return std::equal(x.begin(), x.end(), y.begin(), y.end(), [&](auto& p, auto& q) { return key(p) == key(q); });
 }
 
 } // namespace

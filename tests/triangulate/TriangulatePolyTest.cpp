@@ -34,32 +34,14 @@ Mesh Triangulate(const Outline& outline, TriangulationFillRule rule, bool merge 
     return mesh;
 }
 
-std::vector<float> Flat(const std::vector<V2>& points)
-{
-    std::vector<float> flat;
-    for (const V2& p : points) {
-        flat.push_back(p.X());
-        flat.push_back(p.Y());
-    }
-    return flat;
-}
-
 // The mesh is well formed and stays within the outline's bounding box.
 void ExpectWellFormed(const Outline& outline, const Mesh& mesh)
 {
-    ASSERT_EQ(mesh.triangles.size() % 3, 0u);
-    ASSERT_EQ(mesh.points.size() * 6, mesh.triangles.size() * 4);
-    float lo[2] = {outline.points[0].X(), outline.points[0].Y()};
-    float hi[2] = {lo[0], lo[1]};
-    for (const V2& p : outline.points) {
-        for (int c = 0; c < 2; ++c) {
-            lo[c] = std::min(lo[c], p[c]);
-            hi[c] = std::max(hi[c], p[c]);
-        }
-    }
+    ASSERT_EQ(mesh.points.size() * 6, mesh.triangles.size() * 4); // two triangles per four points
     for (unsigned int index : mesh.triangles) {
         ASSERT_LT(index, mesh.points.size());
     }
+    const auto [lo, hi] = shapes::Bounds(outline.points);
     for (const V2& p : mesh.points) {
         for (int c = 0; c < 2; ++c) {
             const float slack = 1e-5f * (hi[c] - lo[c]);
@@ -71,16 +53,37 @@ void ExpectWellFormed(const Outline& outline, const Mesh& mesh)
 
 } // namespace
 
-TEST(TriangulatePoly, RectangleIsOneTrapezoid)
+TEST(TriangulatePoly, RectangleLayoutAndCallerVectors)
 {
-    Outline outline;
-    AddRing(outline, Square(0, 0, 4, 2));
+    Outline rectangle;
+    AddRing(rectangle, Square(0, 0, 4, 2));
     for (bool merge : {true, false}) {
-        const Mesh mesh = Triangulate(outline, TriangulationFillRule::NonZero, merge);
+        const Mesh mesh = Triangulate(rectangle, TriangulationFillRule::NonZero, merge);
         ASSERT_TRUE(mesh.ok);
-        EXPECT_EQ(Flat(mesh.points), (std::vector<float>{0, 0, 4, 0, 4, 2, 0, 2}));
+        EXPECT_EQ(mesh.points, rectangle.points); // one trapezoid: the corners as given
         EXPECT_EQ(mesh.triangles, (std::vector<unsigned int>{0, 1, 3, 1, 3, 2}));
     }
+
+    std::vector<V2> points{V2(9, 9)};
+    std::vector<unsigned int> triangles{7, 7, 7};
+    const auto run = [&](const std::vector<unsigned int>& edges) {
+        return vk::TriangulatePoly(rectangle.points, edges, points, triangles, TriangulationFillRule::NonZero, true);
+    };
+    EXPECT_FALSE(run(std::vector<unsigned int>(rectangle.edges.begin(), rectangle.edges.end() - 1))); // odd length
+    EXPECT_TRUE(run({}));
+    EXPECT_EQ(points.size(), 1u); // neither call touched the caller's vectors
+    EXPECT_EQ(triangles.size(), 3u);
+
+    // Appended after what is there, with absolute indices.
+    EXPECT_TRUE(run(rectangle.edges));
+    EXPECT_EQ(points.size(), 5u);
+    EXPECT_EQ(triangles, (std::vector<unsigned int>{7, 7, 7, 1, 2, 4, 2, 4, 3}));
+
+    // A triangle list that was not whole to begin with fails the call.
+    triangles = {1, 2};
+    EXPECT_FALSE(run(rectangle.edges));
+    triangles = {1, 2};
+    EXPECT_FALSE(run({}));
 }
 
 TEST(TriangulatePoly, TriangleSplitsAtTheMiddleVertex)
@@ -106,16 +109,9 @@ TEST(TriangulatePoly, TriangleSplitsAtTheMiddleVertex)
 TEST(TriangulatePoly, NestedSquaresUnderBothRulesInEveryDirection)
 {
     for (int variant = 0; variant < 8; ++variant) {
-        const bool outerReversed = variant & 1;
-        const bool innerReversed = variant & 2;
-        const bool innerFirst = variant & 4;
-        Outline outline;
-        if (innerFirst) {
-            AddRing(outline, Square(3, 3, 7, 7), innerReversed);
-        }
-        AddRing(outline, Square(0, 0, 10, 10), outerReversed);
-        if (!innerFirst) {
-            AddRing(outline, Square(3, 3, 7, 7), innerReversed);
+        Outline outline; // bit 0 reverses the outer square, bit 1 the inner, bit 2 puts the inner first
+        for (bool inner : {bool(variant & 4), !(variant & 4)}) {
+            AddRing(outline, inner ? Square(3, 3, 7, 7) : Square(0, 0, 10, 10), variant & (inner ? 2 : 1));
         }
         const Mesh evenOdd = Triangulate(outline, TriangulationFillRule::EvenOdd);
         const Mesh nonZero = Triangulate(outline, TriangulationFillRule::NonZero);
@@ -128,87 +124,52 @@ TEST(TriangulatePoly, NestedSquaresUnderBothRulesInEveryDirection)
     }
 }
 
-TEST(TriangulatePoly, DisjointSquaresAndTheRuleThatFillsEverythingBounded)
+// Success or failure, and the area filled, for small outlines.
+TEST(TriangulatePoly, SmallOutlines)
 {
-    Outline outline;
-    AddRing(outline, Square(0, 0, 2, 2));
-    AddRing(outline, Square(5, 0, 7, 2), true);
-    for (auto rule : {TriangulationFillRule::NonZero, TriangulationFillRule::EvenOdd}) {
-        const Mesh mesh = Triangulate(outline, rule);
-        ASSERT_TRUE(mesh.ok);
-        EXPECT_DOUBLE_EQ(MeshArea(mesh.points, mesh.triangles), 8.0);
-    }
-    // Any other rule value also fills the bounded gap between the squares.
-    const Mesh all = Triangulate(outline, kAllBounded);
-    ASSERT_TRUE(all.ok);
-    EXPECT_DOUBLE_EQ(MeshArea(all.points, all.triangles), 14.0);
-}
-
-TEST(TriangulatePoly, CoincidentPointsAndDegenerateEdges)
-{
-    // The same corner twice under different indices: merged, the zero-length
-    // edge disappears.
-    Outline repeated;
-    repeated.points = {V2(0, 0), V2(4, 0), V2(4, 0), V2(4, 4), V2(0, 4)};
-    repeated.edges = {0, 1, 1, 2, 2, 3, 3, 4, 4, 0};
-    const Mesh merged = Triangulate(repeated, TriangulationFillRule::NonZero, true);
-    ASSERT_TRUE(merged.ok);
-    EXPECT_DOUBLE_EQ(MeshArea(merged.points, merged.triangles), 16.0);
-
-    // An edge from a point to itself is dropped when merging and fatal otherwise.
-    Outline loop;
-    AddRing(loop, Square(0, 0, 4, 4));
-    loop.edges.insert(loop.edges.end(), {2, 2});
-    EXPECT_TRUE(Triangulate(loop, TriangulationFillRule::NonZero, true).ok);
-    EXPECT_FALSE(Triangulate(loop, TriangulationFillRule::NonZero, false).ok);
-}
-
-TEST(TriangulatePoly, PointOnAnotherEdgeFails)
-{
+    Outline disjoint; // two squares, one clockwise, with a bounded gap between them
+    AddRing(disjoint, Square(0, 0, 2, 2));
+    AddRing(disjoint, Square(5, 0, 7, 2), true);
+    Outline repeated; // the same corner twice under different indices
+    AddRing(repeated, {V2(0, 0), V2(4, 0), V2(4, 0), V2(4, 4), V2(0, 4)});
     const Ring square = Square(0, 0, 4, 4);
-    const Ring touching = {V2(4, 2), V2(6, 1), V2(6, 3)};
-    for (bool squareFirst : {true, false}) {
-        Outline outline;
-        AddRing(outline, squareFirst ? square : touching);
-        AddRing(outline, squareFirst ? touching : square);
-        EXPECT_FALSE(Triangulate(outline, TriangulationFillRule::NonZero).ok) << squareFirst;
+    const Ring tip = {V2(4, 2), V2(6, 1), V2(6, 3)};
+    Outline loop; // an edge from a point to itself
+    AddRing(loop, square);
+    loop.edges.insert(loop.edges.end(), {2, 2});
+    Outline touching[2]; // a corner on another contour's edge, either contour first
+    for (int i = 0; i < 2; ++i) {
+        AddRing(touching[i], i == 0 ? square : tip);
+        AddRing(touching[i], i == 0 ? tip : square);
     }
-}
-
-TEST(TriangulatePoly, EdgeListShapeAndCallerVectors)
-{
-    Outline rectangle;
-    AddRing(rectangle, Square(0, 0, 4, 2));
-
-    std::vector<V2> points{V2(9, 9)};
-    std::vector<unsigned int> triangles{7, 7, 7};
-    Outline odd = rectangle;
-    odd.edges.pop_back();
-    EXPECT_FALSE(vk::TriangulatePoly(odd.points, odd.edges, points, triangles, TriangulationFillRule::NonZero, true));
-    EXPECT_EQ(points.size(), 1u);
-    EXPECT_EQ(triangles.size(), 3u);
-
-    EXPECT_TRUE(vk::TriangulatePoly(rectangle.points, {}, points, triangles, TriangulationFillRule::NonZero, true));
-    EXPECT_EQ(points.size(), 1u);
-    EXPECT_EQ(triangles.size(), 3u);
-
-    // Appended after what is there, with absolute indices.
-    EXPECT_TRUE(vk::TriangulatePoly(rectangle.points, rectangle.edges, points, triangles,
-                                    TriangulationFillRule::NonZero, true));
-    EXPECT_EQ(points.size(), 5u);
-    EXPECT_EQ(triangles, (std::vector<unsigned int>{7, 7, 7, 1, 2, 4, 2, 4, 3}));
-
-    // A triangle list that was not whole to begin with fails the call.
-    triangles = {1, 2};
-    EXPECT_FALSE(vk::TriangulatePoly(rectangle.points, rectangle.edges, points, triangles,
-                                     TriangulationFillRule::NonZero, true));
-    triangles = {1, 2};
-    EXPECT_FALSE(vk::TriangulatePoly(rectangle.points, {}, points, triangles, TriangulationFillRule::NonZero, true));
-
-    // Indices out of range are refused rather than read.
-    Outline outOfRange = rectangle;
-    outOfRange.edges.back() = 4;
-    EXPECT_FALSE(Triangulate(outOfRange, TriangulationFillRule::NonZero).ok);
+    Outline outOfRange;
+    AddRing(outOfRange, Square(0, 0, 4, 2));
+    outOfRange.edges.back() = 4; // refused rather than read
+    struct Case {
+        const char* name;
+        const Outline& outline;
+        TriangulationFillRule rule;
+        bool merge;
+        double area; // negative: the call fails
+    };
+    const Case cases[] = {
+        {"disjoint, non-zero", disjoint, TriangulationFillRule::NonZero, true, 8.0},
+        {"disjoint, even-odd", disjoint, TriangulationFillRule::EvenOdd, true, 8.0},
+        {"disjoint, other rule", disjoint, kAllBounded, true, 14.0},         // any other rule fills the gap too
+        {"repeated", repeated, TriangulationFillRule::NonZero, true, 16.0},  // merged, the zero-length edge goes
+        {"loop, merged", loop, TriangulationFillRule::NonZero, true, 16.0},  // dropped when merging...
+        {"loop, unmerged", loop, TriangulationFillRule::NonZero, false, -1}, // ...and fatal otherwise
+        {"touching, square first", touching[0], TriangulationFillRule::NonZero, true, -1},
+        {"touching, tip first", touching[1], TriangulationFillRule::NonZero, true, -1},
+        {"out of range", outOfRange, TriangulationFillRule::NonZero, true, -1},
+    };
+    for (const Case& c : cases) {
+        const Mesh mesh = Triangulate(c.outline, c.rule, c.merge);
+        ASSERT_EQ(mesh.ok, c.area >= 0) << c.name;
+        if (c.area >= 0) {
+            EXPECT_DOUBLE_EQ(MeshArea(mesh.points, mesh.triangles), c.area) << c.name;
+        }
+    }
 }
 
 // Whatever the geometry, the answer is true or false: never a crash, a hang
@@ -217,6 +178,7 @@ TEST(TriangulatePoly, BadInputEndsInTrueOrFalse)
 {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     const float inf = std::numeric_limits<float>::infinity();
+    const std::vector<unsigned int> quad = {0, 1, 1, 2, 2, 3, 3, 0};
     struct Case {
         std::string name;
         std::vector<V2> points;
@@ -224,7 +186,7 @@ TEST(TriangulatePoly, BadInputEndsInTrueOrFalse)
         int expected; // 1 true, 0 false, -1 either
     };
     const std::vector<Case> cases = {
-        {"bow tie", {V2(0, 0), V2(2, 2), V2(2, 0), V2(0, 2)}, {0, 1, 1, 2, 2, 3, 3, 0}, 0},
+        {"bow tie", {V2(0, 0), V2(2, 2), V2(2, 0), V2(0, 2)}, quad, 0},
         {"crossing squares",
          {V2(0, 0), V2(4, 0), V2(4, 4), V2(0, 4), V2(2, 1), V2(6, 1), V2(6, 5), V2(2, 5)},
          {0, 1, 1, 2, 2, 3, 3, 0, 4, 5, 5, 6, 6, 7, 7, 4},
@@ -234,20 +196,14 @@ TEST(TriangulatePoly, BadInputEndsInTrueOrFalse)
          {0, 1, 2, 3, 3, 4, 4, 0},
          0},
         {"same edge twice", {V2(0, 0), V2(4, 0), V2(2, 3)}, {0, 1, 1, 2, 2, 0, 1, 0}, 0},
-        {"all on one line", {V2(0, 0), V2(1, 1), V2(2, 2), V2(3, 3)}, {0, 1, 1, 2, 2, 3, 3, 0}, 0},
-        {"NaN point", {V2(0, 0), V2(4, 0), V2(nan, 2), V2(0, 4)}, {0, 1, 1, 2, 2, 3, 3, 0}, -1},
+        {"all on one line", {V2(0, 0), V2(1, 1), V2(2, 2), V2(3, 3)}, quad, 0},
+        {"NaN point", {V2(0, 0), V2(4, 0), V2(nan, 2), V2(0, 4)}, quad, -1},
         {"all NaN", {V2(nan, nan), V2(nan, 1), V2(1, nan)}, {0, 1, 1, 2, 2, 0}, -1},
-        {"infinite point", {V2(0, 0), V2(inf, 0), V2(4, 4), V2(-inf, inf)}, {0, 1, 1, 2, 2, 3, 3, 0}, -1},
-        {"large",
-         {V2(-1e38f, -1e38f), V2(1e38f, -1e38f), V2(1e38f, 1e38f), V2(-1e38f, 1e38f)},
-         {0, 1, 1, 2, 2, 3, 3, 0},
-         1},
+        {"infinite point", {V2(0, 0), V2(inf, 0), V2(4, 4), V2(-inf, inf)}, quad, -1},
+        {"large", {V2(-1e38f, -1e38f), V2(1e38f, -1e38f), V2(1e38f, 1e38f), V2(-1e38f, 1e38f)}, quad, 1},
         // Differences overflow: the side test meets inf * 0 and gives up.
-        {"huge",
-         {V2(-3e38f, -3e38f), V2(3e38f, -3e38f), V2(3e38f, 3e38f), V2(-3e38f, 3e38f)},
-         {0, 1, 1, 2, 2, 3, 3, 0},
-         -1},
-        {"tiny", {V2(0, 0), V2(1e-44f, 0), V2(1e-44f, 1e-44f), V2(0, 3e-45f)}, {0, 1, 1, 2, 2, 3, 3, 0}, -1},
+        {"huge", {V2(-3e38f, -3e38f), V2(3e38f, -3e38f), V2(3e38f, 3e38f), V2(-3e38f, 3e38f)}, quad, -1},
+        {"tiny", {V2(0, 0), V2(1e-44f, 0), V2(1e-44f, 1e-44f), V2(0, 3e-45f)}, quad, -1},
         {"open chain", {V2(0, 0), V2(4, 0), V2(4, 4)}, {0, 1, 1, 2}, 1},
     };
     for (const Case& c : cases) {
