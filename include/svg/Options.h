@@ -5,10 +5,23 @@
 
 namespace vk::svg {
 
+// How a document is read.
+enum class LoadProfile : uint32_t {
+    // The library's own subset of SVG, read strictly by its rules: what it
+    // does not know is an error, or with ignoreUnsupported a warning.
+    Subset = 0,
+    // SVG as a user agent reads it: style sheets, references, units, every
+    // basic shape and the full path grammar, normalised into the same item
+    // types. What the items cannot hold is skipped with a warning.
+    Full = 1,
+};
+
 struct LoadOptions {
     // Skip unsupported elements and attributes with a warning instead of
-    // failing the load.
+    // failing the load. Only the subset profile looks at it: the full
+    // profile always skips what it cannot hold, with a warning.
     bool ignoreUnsupported = false;
+    LoadProfile profile = LoadProfile::Subset;
 };
 
 struct SaveOptions {
