@@ -33,6 +33,13 @@ enum class LineJoin : uint32_t {
     Round = 4,
 };
 
+// How the inside of a shape is decided: by the signed winding number, or by
+// the parity of crossings.
+enum class FillRule : uint32_t {
+    NonZero = 0,
+    EvenOdd = 1,
+};
+
 // Bits of the vector-effect set; an engaged set of 0 means "none".
 enum class VectorEffect : uint32_t {
     NonScalingStroke = 1,
@@ -71,10 +78,21 @@ public:
     std::optional<float>& editFillOpacity() { return mFillOpacity; }
     const std::optional<uint32_t>& getVectorEffect() const { return mVectorEffect; }
     std::optional<uint32_t>& editVectorEffect() { return mVectorEffect; }
+    // The fields below are set only by the full reading profile or by hosts;
+    // the writer writes them only when set.
+    const std::optional<FillRule>& getFillRule() const { return mFillRule; }
+    std::optional<FillRule>& editFillRule() { return mFillRule; }
+    const std::optional<FillRule>& getClipRule() const { return mClipRule; }
+    std::optional<FillRule>& editClipRule() { return mClipRule; }
+    const std::optional<float>& getStrokeMiterlimit() const { return mStrokeMiterlimit; }
+    std::optional<float>& editStrokeMiterlimit() { return mStrokeMiterlimit; }
+    const std::optional<float>& getStrokeDashoffset() const { return mStrokeDashoffset; }
+    std::optional<float>& editStrokeDashoffset() { return mStrokeDashoffset; }
 
     // Fills the unset fields from `parent`. Values are copied, never
     // combined: opacity does not multiply down the tree. Opacity and class
-    // are inherited on purpose; vector effects never are.
+    // are inherited on purpose; vector effects never are. Fill and clip
+    // rules, miter limit and dash offset inherit as in SVG.
     void cascadeParent(const RenderingProperties& parent);
 
     // False only for a fill of exactly "none" or a non-positive effective fill
@@ -103,7 +121,8 @@ public:
                a.mStroke == b.mStroke && a.mStrokeLinecap == b.mStrokeLinecap &&
                a.mStrokeLinejoin == b.mStrokeLinejoin && a.mStrokeDasharray == b.mStrokeDasharray &&
                a.mClassName == b.mClassName && a.mFill == b.mFill && a.mFillOpacity == b.mFillOpacity &&
-               a.mVectorEffect == b.mVectorEffect;
+               a.mVectorEffect == b.mVectorEffect && a.mFillRule == b.mFillRule && a.mClipRule == b.mClipRule &&
+               a.mStrokeMiterlimit == b.mStrokeMiterlimit && a.mStrokeDashoffset == b.mStrokeDashoffset;
     }
     friend bool operator!=(const RenderingProperties& a, const RenderingProperties& b) { return !(a == b); }
 
@@ -122,6 +141,10 @@ private:
     std::optional<std::string> mFill;
     std::optional<float> mFillOpacity;
     std::optional<uint32_t> mVectorEffect;
+    std::optional<FillRule> mFillRule;
+    std::optional<FillRule> mClipRule;
+    std::optional<float> mStrokeMiterlimit;
+    std::optional<float> mStrokeDashoffset;
 };
 
 } // namespace vk::svg

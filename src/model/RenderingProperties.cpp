@@ -39,6 +39,10 @@ void RenderingProperties::cascadeParent(const RenderingProperties& parent)
     InheritUnset(mClassName, parent.mClassName);
     InheritUnset(mFill, parent.mFill);
     InheritUnset(mFillOpacity, parent.mFillOpacity);
+    InheritUnset(mFillRule, parent.mFillRule);
+    InheritUnset(mClipRule, parent.mClipRule);
+    InheritUnset(mStrokeMiterlimit, parent.mStrokeMiterlimit);
+    InheritUnset(mStrokeDashoffset, parent.mStrokeDashoffset);
     // mVectorEffect is never inherited: it belongs to the element that names it.
 }
 

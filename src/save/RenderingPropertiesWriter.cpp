@@ -33,6 +33,8 @@ const char* lineJoinKeyword(LineJoin join)
     }
 }
 
+const char* fillRuleKeyword(FillRule rule) { return rule == FillRule::EvenOdd ? "evenodd" : "nonzero"; }
+
 std::string vectorEffectKeywords(uint32_t bits)
 {
     static const std::pair<VectorEffect, const char*> effects[] = {
@@ -84,7 +86,14 @@ bool RenderingProperties::writeAttributes(vk::xml::XmlSaveContext& context, cons
     if (mVectorEffect &&
         !Helpers::writeAttributeString(context, options, "vector-effect", vectorEffectKeywords(*mVectorEffect)))
         return false;
-    return true;
+    // Written after everything older, so that documents without them keep
+    // their bytes.
+    if (mFillRule && !Helpers::writeAttributeString(context, options, "fill-rule", fillRuleKeyword(*mFillRule)))
+        return false;
+    if (mClipRule && !Helpers::writeAttributeString(context, options, "clip-rule", fillRuleKeyword(*mClipRule)))
+        return false;
+    return writeFloat(context, options, "stroke-miterlimit", mStrokeMiterlimit) &&
+           writeFloat(context, options, "stroke-dashoffset", mStrokeDashoffset);
 }
 
 } // namespace vk::svg
