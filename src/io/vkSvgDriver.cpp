@@ -3,6 +3,7 @@
 #include <svg/Writer.h>
 
 #include "load/Loader.h"
+#include "read/FullReader.h"
 
 #include <vkSystem/vkDirUtils.h>
 #include <vkSystem/vkIoDeviceFileStream.h>
@@ -141,6 +142,8 @@ bool vkSvgDriver::loadSvg(ItemInterfacePointer<ItemInterface>& root, vk::vkIoDev
     try {
         // Errors and warnings share the one list, in the order they come.
         const auto add = [this](const std::string& text) { addMessage(text); };
+        if (options.profile == LoadProfile::Full)
+            return impl::ReadFullProfile(root, device, add, add);
         impl::Loader loader(root, device, options, add, add);
         return loader.getParseResult();
     } catch (const std::exception& exception) {
