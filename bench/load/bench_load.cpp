@@ -1,6 +1,8 @@
 // Loading a generated 10 MB drawing from memory, against the floor of a
-// bare libxml2 SAX2 parse of the same bytes with empty callbacks; and the
-// full load-save round trip.
+// bare libxml2 SAX2 parse of the same bytes with empty callbacks; the full
+// load-save round trip; and the full reading profile, on the same drawing
+// and on a drawing that uses style sheets, classes and use, against the
+// same drawing written out flat.
 #include <svg/Items.h>
 #include <svg/Library.h>
 #include <svg/PathData.h>
@@ -9,6 +11,8 @@
 #include <vkSystem/vkIoDeviceMemory.h>
 #include <vkXml/ParseXmlStream.h>
 #include <vkXml/XmlSaxParserHandler.h>
+
+#include "MemoryCounter.h"
 
 #include <benchmark/benchmark.h>
 
@@ -209,28 +213,118 @@ void BM_XmlLayerOnly(benchmark::State& state)
 }
 BENCHMARK(BM_XmlLayerOnly)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
-// Argument 0: the drawing; 1: the drawing without path data. Freeing the
-// previous tree is left out of the timing.
-void BM_Load(benchmark::State& state)
+// A drawing of layers whose paths take their paint from class rules and
+// whose symbols are placed by use (argument 0), and the same drawing with
+// every rule and use written out in place (argument 1).
+const std::string& StyledDrawing(bool writtenOut)
+{
+    static const std::pair<std::string, std::string> drawings = [] {
+        std::mt19937 random(7u);
+        const auto pick = [&](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(random); };
+        const auto num = [&]() {
+            char text[32];
+            std::snprintf(text, sizeof(text), "%d.%d", pick(-500, 500), pick(0, 99));
+            return std::string(text);
+        };
+        const auto pathData = [&]() {
+            std::string d = "M" + num() + " " + num();
+            for (int c = pick(10, 30); c > 0; --c)
+                d += pick(0, 1) == 0
+                         ? " L" + num() + " " + num()
+                         : " C" + num() + " " + num() + " " + num() + " " + num() + " " + num() + " " + num();
+            return d + " Z";
+        };
+        constexpr int kClasses = 50;
+        constexpr int kSymbols = 20;
+        std::vector<std::string> paints;
+        std::string head = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                           "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 1000 1000\">\n";
+        std::string styled = head + "<style>\n";
+        for (int c = 0; c < kClasses; ++c) {
+            const std::string fill = "#" + std::to_string(pick(100000, 999999));
+            const std::string stroke = "#" + std::to_string(pick(100000, 999999));
+            styled += ".c" + std::to_string(c) + " { fill: " + fill + "; stroke: " + stroke + "; stroke-width: 1.5 }\n";
+            paints.push_back(" fill=\"" + fill + "\" stroke=\"" + stroke + "\" stroke-width=\"1.5\"");
+        }
+        styled += "g.layer > path { stroke-linejoin: round }\n</style>\n<defs>\n";
+        std::vector<std::string> symbols;
+        for (int s = 0; s < kSymbols; ++s) {
+            symbols.push_back(pathData());
+            styled += "<path id=\"s" + std::to_string(s) + "\" d=\"" + symbols.back() + "\"/>\n";
+        }
+        styled += "</defs>\n";
+        std::string flat = head;
+        for (int group = 0; styled.size() < 10u * 1024u * 1024u; ++group) {
+            const std::string transform = "translate(" + num() + " " + num() + ")";
+            styled += "<g class=\"layer\" transform=\"" + transform + "\">\n";
+            flat += "<g transform=\"" + transform + "\">\n";
+            for (int p = 0; p < 3; ++p) {
+                const int c = pick(0, kClasses - 1);
+                const std::string d = pathData();
+                styled += "<path class=\"c" + std::to_string(c) + "\" d=\"" + d + "\"/>\n";
+                flat += "<path" + paints[c] + " stroke-linejoin=\"round\" d=\"" + d + "\"/>\n";
+            }
+            for (int u = 0; u < 2; ++u) {
+                const int c = pick(0, kClasses - 1);
+                const int s = pick(0, kSymbols - 1);
+                const std::string x = num();
+                const std::string y = num();
+                styled += "<use href=\"#s" + std::to_string(s) + "\" x=\"" + x + "\" y=\"" + y + "\" class=\"c" +
+                          std::to_string(c) + "\"/>\n";
+                flat += "<g transform=\"translate(" + x + " " + y + ")\"" + paints[c] + "><path d=\"" + symbols[s] +
+                        "\"/></g>\n";
+            }
+            styled += "</g>\n";
+            flat += "</g>\n";
+        }
+        styled += "</svg>\n";
+        flat += "</svg>\n";
+        return std::make_pair(styled, flat);
+    }();
+    return writtenOut ? drawings.second : drawings.first;
+}
+
+void TimeLoads(benchmark::State& state, const std::string& text, vk::svg::LoadProfile profile)
 {
     static Library library;
-    const std::string& text = Select(state);
+    vk::svg::LoadOptions options;
+    options.profile = profile;
     vk::svg::ItemInterfacePointer<vk::svg::ItemInterface> root;
+    std::size_t peak = 0;
     for (auto _ : state) {
         state.PauseTiming();
         root.reset();
         ReleaseFreedMemory();
         vk::vkIoDeviceMemory device(text);
+        const std::size_t before = LiveBytes();
+        ResetPeakBytes();
         state.ResumeTiming();
-        if (!vk::svg::vkSvgIOManager::get().loadSvg(root, device, "svg", nullptr, nullptr, nullptr)) {
+        if (!vk::svg::vkSvgIOManager::get().loadSvg(root, device, "svg", nullptr, &options, nullptr)) {
             state.SkipWithError("the generated drawing does not load");
             break;
         }
         benchmark::DoNotOptimize(root);
+        peak = PeakBytes() - before;
     }
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text.size()));
+    state.counters["peak_MB"] = static_cast<double>(peak) / (1024.0 * 1024.0);
 }
+
+// Argument 0: the drawing; 1: the drawing without path data. Freeing the
+// previous tree is left out of the timing.
+void BM_Load(benchmark::State& state) { TimeLoads(state, Select(state), vk::svg::LoadProfile::Subset); }
 BENCHMARK(BM_Load)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+// The same drawings under the full profile.
+void BM_LoadFull(benchmark::State& state) { TimeLoads(state, Select(state), vk::svg::LoadProfile::Full); }
+BENCHMARK(BM_LoadFull)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+// Argument 0: style sheet, classes and use; 1: the same written out flat.
+void BM_LoadStyled(benchmark::State& state)
+{
+    TimeLoads(state, StyledDrawing(state.range(0) == 1), vk::svg::LoadProfile::Full);
+}
+BENCHMARK(BM_LoadStyled)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 // The share of the load that converts path data, through the same entry
 // point the loader uses.
