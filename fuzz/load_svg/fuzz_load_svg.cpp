@@ -1,5 +1,6 @@
-// Arbitrary bytes as an SVG document, loaded under both settings of
-// ignoreUnsupported; whatever loads is saved again. A load or save may fail,
+// Arbitrary bytes as an SVG document, loaded by the subset profile under
+// both settings of ignoreUnsupported and by the full profile; whatever loads
+// is saved again. A load or save may fail,
 // but it must end in a result: an exception, a crash, a leak, undefined
 // behaviour or a hang is a finding, and so is a loaded tree that cannot be
 // written.
@@ -21,11 +22,12 @@ struct Library {
     ~Library() { vk::svg::terminateVkSvg(); }
 };
 
-void LoadAndSave(const std::string& bytes, bool lenient)
+void LoadAndSave(const std::string& bytes, bool lenient, vk::svg::LoadProfile profile)
 {
     vk::vkIoDeviceMemory input(bytes);
     vk::svg::LoadOptions options;
     options.ignoreUnsupported = lenient;
+    options.profile = profile;
     vk::svg::ItemInterfacePointer<vk::svg::ItemInterface> root;
     std::list<std::string> messages;
     const bool loaded = vk::svg::vkSvgIOManager::get().loadSvg(root, input, "svg", nullptr, &options, &messages);
@@ -54,7 +56,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
 {
     static Library library;
     const std::string bytes(reinterpret_cast<const char*>(data), size);
-    LoadAndSave(bytes, false);
-    LoadAndSave(bytes, true);
+    LoadAndSave(bytes, false, vk::svg::LoadProfile::Subset);
+    LoadAndSave(bytes, true, vk::svg::LoadProfile::Subset);
+    LoadAndSave(bytes, false, vk::svg::LoadProfile::Full);
     return 0;
 }
