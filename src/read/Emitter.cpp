@@ -401,8 +401,9 @@ private:
         const std::string_view className = mTree.attribute(element, "class");
         if (!className.empty())
             rp.editClassName() = std::string(className);
+        // Copies made by use leave their ids behind: an id names one item.
         const std::string_view id = mTree.attribute(element, "id");
-        if (!id.empty())
+        if (!id.empty() && mReferenceDepth == 0)
             item.editId() = std::string(id);
     }
 
