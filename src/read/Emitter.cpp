@@ -246,11 +246,13 @@ private:
             Paint fallback;
             fallback.kind = paint.fallbackKind;
             fallback.color = paint.fallback;
-            text = paintText(fallback).value_or("none");
+            return paintText(fallback).value_or("none");
         } else {
-            text = "none";
             warnOnce("Ignore paint of unknown reference \"" + key + "\"");
+            return "none";
         }
+        // Only what the server gives is remembered: a fallback belongs to
+        // the reference, not to the id.
         if (mPaintServers.size() < kMaxRemembered)
             mPaintServers.emplace(key, text);
         return text;
