@@ -109,6 +109,43 @@ bool FontSizeKeyword(std::string_view text, double parent, double& size)
     return false;
 }
 
+// "none" or a list of effect keywords, as SVG 2 allows.
+bool VectorEffects(std::string_view text, uint32_t& bits)
+{
+    static const std::pair<std::string_view, VectorEffect> kEffects[] = {
+        {"non-scaling-stroke", VectorEffect::NonScalingStroke},
+        {"non-scaling-size", VectorEffect::NonScalingSize},
+        {"non-rotation", VectorEffect::NonRotation},
+        {"fixed-position", VectorEffect::FixedPosition},
+    };
+    if (text == "none") {
+        bits = 0;
+        return true;
+    }
+    uint32_t result = 0;
+    std::size_t start = 0;
+    while (start < text.size()) {
+        while (start < text.size() && IsSpace(text[start]))
+            ++start;
+        std::size_t end = start;
+        while (end < text.size() && !IsSpace(text[end]))
+            ++end;
+        if (end == start)
+            break;
+        const std::string_view word = text.substr(start, end - start);
+        const auto* found = std::find_if(std::begin(kEffects), std::end(kEffects),
+                                         [&](const auto& effect) { return effect.first == word; });
+        if (found == std::end(kEffects))
+            return false;
+        result |= static_cast<uint32_t>(found->second);
+        start = end;
+    }
+    if (result == 0)
+        return false;
+    bits = result;
+    return true;
+}
+
 } // namespace
 
 Property PropertyOfName(std::string_view name)
@@ -466,18 +503,8 @@ uint64_t Cascade::compute(const Declared& declared, const ComputedStyle& parent,
         case Property::VectorEffect:
             if (inherit)
                 style.vectorEffect = parent.vectorEffect;
-            else if (text == "non-scaling-stroke")
-                style.vectorEffect = static_cast<uint32_t>(VectorEffect::NonScalingStroke);
-            else if (text == "none")
-                style.vectorEffect = 0;
-            else if (text == "non-scaling-size")
-                style.vectorEffect = static_cast<uint32_t>(VectorEffect::NonScalingSize);
-            else if (text == "non-rotation")
-                style.vectorEffect = static_cast<uint32_t>(VectorEffect::NonRotation);
-            else if (text == "fixed-position")
-                style.vectorEffect = static_cast<uint32_t>(VectorEffect::FixedPosition);
             else
-                ok = false;
+                ok = VectorEffects(text, style.vectorEffect);
             break;
         case Property::StopColor: {
             CssColor color;

@@ -2,6 +2,7 @@
 
 #include "read/Cascade.h"
 #include "read/PathGrammar.h"
+#include "read/Shapes.h"
 #include "read/Values.h"
 
 #include <algorithm>
@@ -701,15 +702,6 @@ private:
 
     // --- shapes -----------------------------------------------------------
 
-    static std::vector<float> Values(std::initializer_list<double> values)
-    {
-        std::vector<float> out;
-        out.reserve(values.size());
-        for (double v : values)
-            out.push_back(static_cast<float>(v));
-        return out;
-    }
-
     std::shared_ptr<ItemInterface> emitShape(ElementIndex element, const Frame& frame, const Frame& child)
     {
         const ComputedStyle& style = child.style;
@@ -728,29 +720,14 @@ private:
             bool hasRy = false;
             double rx = len("rx", PercentOf::Width, 0.0, &hasRx);
             double ry = len("ry", PercentOf::Height, 0.0, &hasRy);
-            if (hasRx && !hasRy)
-                ry = rx;
-            else if (hasRy && !hasRx)
-                rx = ry;
+            AutoRadii(rx, hasRx, ry, hasRy);
             rx = std::min(std::max(rx, 0.0), w / 2.0);
             ry = std::min(std::max(ry, 0.0), h / 2.0);
-            if (!(rx > 0.0) || !(ry > 0.0))
-                return std::make_shared<Rect>(Vec(static_cast<float>(x), static_cast<float>(y)),
-                                              Vec(static_cast<float>(w), static_cast<float>(h)));
-            auto path = std::make_shared<Path>();
-            auto& c = path->editCommands();
-            using T = PathCommandType;
-            c.emplace_back(T::MoveTo, Values({x + rx, y}));
-            c.emplace_back(T::LineTo, Values({x + w - rx, y}));
-            c.emplace_back(T::EllipticalArc, Values({rx, ry, 0, 0, 1, x + w, y + ry}));
-            c.emplace_back(T::LineTo, Values({x + w, y + h - ry}));
-            c.emplace_back(T::EllipticalArc, Values({rx, ry, 0, 0, 1, x + w - rx, y + h}));
-            c.emplace_back(T::LineTo, Values({x + rx, y + h}));
-            c.emplace_back(T::EllipticalArc, Values({rx, ry, 0, 0, 1, x, y + h - ry}));
-            c.emplace_back(T::LineTo, Values({x, y + ry}));
-            c.emplace_back(T::EllipticalArc, Values({rx, ry, 0, 0, 1, x + rx, y}));
-            c.emplace_back(T::ClosePath, std::vector<float>());
-            return path;
+            // The library's own rectangles have square corners when drawn.
+            if (rx > 0.0 && ry > 0.0)
+                return RoundedRectPath(x, y, w, h, rx, ry);
+            return std::make_shared<Rect>(Vec(static_cast<float>(x), static_cast<float>(y)),
+                                          Vec(static_cast<float>(w), static_cast<float>(h)));
         }
         case ElementTag::Circle: {
             const double r = len("r", PercentOf::Diagonal);
@@ -765,24 +742,10 @@ private:
             bool hasRy = false;
             double rx = len("rx", PercentOf::Width, 0.0, &hasRx);
             double ry = len("ry", PercentOf::Height, 0.0, &hasRy);
-            if (hasRx && !hasRy)
-                ry = rx;
-            else if (hasRy && !hasRx)
-                rx = ry;
+            AutoRadii(rx, hasRx, ry, hasRy);
             if (!(rx > 0.0) || !(ry > 0.0))
                 return nullptr;
-            const double cx = len("cx", PercentOf::Width);
-            const double cy = len("cy", PercentOf::Height);
-            auto path = std::make_shared<Path>();
-            auto& c = path->editCommands();
-            using T = PathCommandType;
-            c.emplace_back(T::MoveTo, Values({cx + rx, cy}));
-            c.emplace_back(T::EllipticalArc, Values({rx, ry, 0, 0, 1, cx, cy + ry}));
-            c.emplace_back(T::EllipticalArc, Values({rx, ry, 0, 0, 1, cx - rx, cy}));
-            c.emplace_back(T::EllipticalArc, Values({rx, ry, 0, 0, 1, cx, cy - ry}));
-            c.emplace_back(T::EllipticalArc, Values({rx, ry, 0, 0, 1, cx + rx, cy}));
-            c.emplace_back(T::ClosePath, std::vector<float>());
-            return path;
+            return EllipsePath(len("cx", PercentOf::Width), len("cy", PercentOf::Height), rx, ry);
         }
         case ElementTag::Line:
             return std::make_shared<Line>(
@@ -798,14 +761,7 @@ private:
                 numbers.pop_back();
             if (numbers.size() < 4)
                 return nullptr;
-            auto path = std::make_shared<Path>();
-            auto& c = path->editCommands();
-            for (std::size_t i = 0; i < numbers.size(); i += 2)
-                c.emplace_back(i == 0 ? PathCommandType::MoveTo : PathCommandType::LineTo,
-                               Values({numbers[i], numbers[i + 1]}));
-            if (mTree.node(element).tag == ElementTag::Polygon)
-                c.emplace_back(PathCommandType::ClosePath, std::vector<float>());
-            return path;
+            return PointsPath(numbers, mTree.node(element).tag == ElementTag::Polygon);
         }
         case ElementTag::Path: {
             const std::string_view data = mTree.attribute(element, "d");

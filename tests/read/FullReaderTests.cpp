@@ -384,13 +384,14 @@ TEST(FullReader, PaintFieldsAndApproximations)
       <rect id="g2" width="1" height="1" fill="url(#rad)" stroke="url(#gone) #00ff00"/>
       <path id="p" d="M0 0h1v1z" fill-rule="evenodd" clip-rule="evenodd" stroke-miterlimit="8"
             stroke-dashoffset="2" stroke-dasharray="1,2 3" filter="url(#f)" mask="url(#m)" clip-path="url(#c)"/>
-      <path id="q" d="M0 0h1" filter="url(#f)" fill="url(#gone)"/>
+      <path id="q" d="M0 0h1" filter="url(#f)" fill="url(#gone)" vector-effect="non-rotation fixed-position"/>
     )svg"));
     ASSERT_TRUE(loaded.ok) << loaded.allMessages();
     EXPECT_EQ(loaded.item("g1").getRenderingProperties().getFill(), std::string("#808080"));
     EXPECT_EQ(loaded.item("g2").getRenderingProperties().getFill(), std::string("#808080"));
     EXPECT_EQ(loaded.item("g2").getRenderingProperties().getStroke(), std::string("#00ff00"));
     EXPECT_EQ(loaded.item("q").getRenderingProperties().getFill(), std::string("none"));
+    EXPECT_EQ(loaded.item("q").getRenderingProperties().getVectorEffect(), 12u);
     const RenderingProperties& p = loaded.item("p").getRenderingProperties();
     EXPECT_EQ(p.getFillRule(), FillRule::EvenOdd);
     EXPECT_EQ(p.getClipRule(), FillRule::EvenOdd);
