@@ -29,3 +29,15 @@ TEST(Cli, HelpListsEveryCommandAndVersionNamesTheLibrary)
     EXPECT_EQ(version.code, 0);
     EXPECT_EQ(version.out, std::string("vksvg ") + vkSvg::Version::GetDescStringMajorMinorReleaseRevisionDate() + "\n");
 }
+
+TEST(Cli, HelpNamesTheSubsetFlagOfEveryDocumentCommand)
+{
+    const CliRun help = RunTool({"--help"});
+    EXPECT_EQ(help.code, 0);
+    for (const vksvg::Command& command : vksvg::commands()) {
+        const bool loadsDocuments = std::string(command.name) != "color";
+        EXPECT_EQ(std::string(command.synopsis).find("[--subset] [--lenient]") != std::string::npos, loadsDocuments)
+            << command.name;
+    }
+    EXPECT_NE(help.out.find("--subset reads only the library's own subset of SVG"), std::string::npos);
+}

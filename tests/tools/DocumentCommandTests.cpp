@@ -41,7 +41,7 @@ TEST_F(DocumentCommands, ResultsAndMessages)
         {{"color", "rebeccapurple", "rgba(1,2,3,4)"}, 0, "rebeccapurple: 102 51 153 255\nrgba(1,2,3,4): 1 2 3 4\n", ""},
         {{"color", "Red"}, 1, "Red: no colour\n", ""},
         {{"color", "none", "#000"}, 1, "none: no colour\n#000: 0 0 0 255\n", ""},
-        {{"info", Write("drawing.svg", kDrawing)},
+        {{"info", Write("drawing.svg", kDrawing), "--subset"},
          0,
          "svg viewBox=0,0,100,50 style=4B\n"
          "  g id=\"layer\" transform=matrix(1 0 0 1 10 20)\n"
@@ -54,30 +54,30 @@ TEST_F(DocumentCommands, ResultsAndMessages)
          "  g\n"
          "Items: svg 1, g 2, line 1, rect 1, circle 1, path 1, text 1, image 1\n",
          ""},
-        {{"info", odd}, 1, "", "Unsupported attribute attribute \"width\" with value \"1\"\n"},
-        {{"info", "--lenient", odd},
+        {{"info", odd, "--subset"}, 1, "", "Unsupported attribute attribute \"width\" with value \"1\"\n"},
+        {{"info", "--lenient", odd, "--subset"},
          0,
          "svg\n  text x=0 y=0 content=\"t\"\nItems: svg 1, text 1\n",
          "Ignore unsupported attribute \"width\" with value \"1\"\n"
          "Ignore unsupported tag in svg : \"foo\"\n"
          "Ignore unsupported attribute \"font-style\" with value \"oblique\"\n"},
-        {{"info", Path("missing.svg")}, 1, "", "Fail to open file\n"},
-        {{"info", text}, 1, "", "vksvg: no driver can load \"" + text + "\"\n"},
-        {{"info", styleOnly}, 0, "Items: none\n", ""},
-        {{"convert", in, "-", "--no-header", "--precision", "2"},
+        {{"info", Path("missing.svg"), "--subset"}, 1, "", "Fail to open file\n"},
+        {{"info", text, "--subset"}, 1, "", "vksvg: no driver can load \"" + text + "\"\n"},
+        {{"info", styleOnly, "--subset"}, 0, "Items: none\n", ""},
+        {{"convert", in, "-", "--no-header", "--precision", "2", "--subset"},
          0,
          declaration + "<svg xmlns=\"http://www.w3.org/2000/svg\"><g><circle r=\"3.14\"/>"
                        "<path d=\"M10 20C10 20 30-5 30-5\"/></g></svg>\n",
          ""},
-        {{"convert", "--pretty", in, Path("out.svg"), "--no-header"}, 0, "", ""},
-        {{"convert", ellipse, "-"}, 1, "", "Found unsupported tag in svg : \"ellipse\"\n"},
-        {{"convert", ellipse, "-", "--lenient", "--no-header"},
+        {{"convert", "--pretty", in, Path("out.svg"), "--no-header", "--subset"}, 0, "", ""},
+        {{"convert", ellipse, "-", "--subset"}, 1, "", "Found unsupported tag in svg : \"ellipse\"\n"},
+        {{"convert", ellipse, "-", "--lenient", "--no-header", "--subset"},
          0,
          declaration + "<svg xmlns=\"http://www.w3.org/2000/svg\"><rect width=\"0\" height=\"0\"/></svg>\n",
          "Ignore unsupported tag in svg : \"ellipse\"\n"},
-        {{"convert", good, Path("out.png")}, 1, "", "No driver available to save 'png'\n"},
-        {{"convert", good, "/nonexistent/dir/out.svg"}, 1, "", "Fail to open file\n"},
-        {{"convert", styleOnly, "-"}, 1, "", "vksvg: \"" + styleOnly + "\" holds no item to write\n"},
+        {{"convert", good, Path("out.png"), "--subset"}, 1, "", "No driver available to save 'png'\n"},
+        {{"convert", good, "/nonexistent/dir/out.svg", "--subset"}, 1, "", "Fail to open file\n"},
+        {{"convert", styleOnly, "-", "--subset"}, 1, "", "vksvg: \"" + styleOnly + "\" holds no item to write\n"},
     };
     for (const auto& c : cases) {
         const CliRun r = RunTool(c.args);
@@ -92,7 +92,7 @@ TEST_F(DocumentCommands, ResultsAndMessages)
                                                    "    <path d=\"M 10 20 C 10 20 30 -5 30 -5\"/>\n"
                                                    "  </g>\n"
                                                    "</svg>\n");
-    const CliRun header = RunTool({"convert", in, "-"});
+    const CliRun header = RunTool({"convert", in, "-", "--subset"});
     EXPECT_EQ(header.code, 0);
     EXPECT_NE(header.out.find("<!--Exporter : "), std::string::npos);
     EXPECT_NE(header.out.find("--><!--Datetime : "), std::string::npos);
@@ -115,5 +115,49 @@ TEST_F(DocumentCommands, UsageErrors)
         EXPECT_EQ(r.code, 2) << args.back();
         EXPECT_EQ(r.out, "");
         EXPECT_NE(r.err.find("Usage: vksvg " + args.front()), std::string::npos) << r.err;
+    }
+}
+
+// Root attributes that only the full profile reads: every document command
+// loads them by default, and fails on them with --subset.
+TEST_F(DocumentCommands, LoadWithTheFullProfileUnlessSubsetIsGiven)
+{
+    const std::string in = Write("sized.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\" "
+                                              "xmlns:xlink=\"http://www.w3.org/1999/xlink\" width=\"120\" "
+                                              "height=\"80\" viewBox=\"0 0 60 40\">"
+                                              "<rect width=\"30\" height=\"20\" fill=\"red\"/></svg>");
+    for (const std::vector<std::string>& args : std::vector<std::vector<std::string>>{
+             {"info", in},
+             {"convert", in, "-"},
+             {"mesh", in, "-o", Path("sized.obj")},
+             {"render", in, "-o", Path("sized.png")},
+             {"bbox", in},
+         }) {
+        const CliRun full = RunTool(args);
+        EXPECT_EQ(full.code, 0) << args[0] << ": " << full.err;
+        std::vector<std::string> subsetArgs = args;
+        subsetArgs.push_back("--subset");
+        const CliRun subset = RunTool(subsetArgs);
+        EXPECT_EQ(subset.code, 1) << args[0];
+        EXPECT_EQ(subset.err.rfind("Unsupported attribute attribute \"", 0), 0u) << subset.err;
+    }
+    // The root viewport in pixels, the viewBox mapping as the root's transform.
+    const CliRun info = RunTool({"info", in});
+    EXPECT_EQ(info.out.rfind("svg viewBox=0,0,120,80 transform=matrix(2 0 0 2 0 0)\n", 0), 0u) << info.out;
+    EXPECT_NE(info.out.find("\n  rect x=0 y=0 width=30 height=20\n"), std::string::npos) << info.out;
+}
+
+TEST_F(DocumentCommands, LoadFlagsGoAnywhereAfterTheCommand)
+{
+    const std::string in = Write("plain.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\"><rect width=\"2\"/></svg>");
+    EXPECT_EQ(RunTool({"info", "--subset", "--lenient", in}).code, 0);
+    EXPECT_EQ(RunTool({"convert", "--subset", in, "--lenient", "-"}).code, 0);
+    for (const std::vector<std::string>& args : std::vector<std::vector<std::string>>{
+             {"info", in, "--subset", "--full"},
+             {"convert", in, "-", "--subset=yes"},
+         }) {
+        const CliRun r = RunTool(args);
+        EXPECT_EQ(r.code, 2) << args.back();
+        EXPECT_NE(r.err.find("[--subset] [--lenient]\n"), std::string::npos) << r.err;
     }
 }

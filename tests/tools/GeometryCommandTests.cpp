@@ -36,7 +36,7 @@ const char* const kUnfillable = "<svg xmlns=\"http://www.w3.org/2000/svg\">"
 TEST_F(GeometryCommands, MeshWritesObjAndJson)
 {
     const std::string in = Path("drawing.svg", kDrawing);
-    const ToolRun obj = RunTool({in, "-o", Path("mesh.obj")}, vksvg::runMeshCommand);
+    const ToolRun obj = RunTool({in, "-o", Path("mesh.obj"), "--subset"}, vksvg::runMeshCommand);
     EXPECT_EQ(obj.code, 0) << obj.err;
     EXPECT_EQ(obj.out, "Primitives: 2\nContour points: 6\nTriangles: 2\nFailed shapes: 0\n");
     const std::string objText = Read(Path("mesh.obj"));
@@ -47,7 +47,7 @@ TEST_F(GeometryCommands, MeshWritesObjAndJson)
     EXPECT_NE(objText.find("\nf 5 6 8\n"), std::string::npos); // numbered after the outline, from 1
     EXPECT_NE(objText.find("\nl 9 10\n"), std::string::npos);
 
-    const ToolRun json = RunTool({in, "-o", Path("mesh.json")}, vksvg::runMeshCommand);
+    const ToolRun json = RunTool({in, "-o", Path("mesh.json"), "--subset"}, vksvg::runMeshCommand);
     EXPECT_EQ(json.code, 0) << json.err;
     const std::string jsonText = Read(Path("mesh.json"));
     EXPECT_NE(jsonText.find("\"points\":[[10,5],[20,5],[20,15],[10,15]],\"indices\":[[0,1],[1,2],[2,3],[3,0]]"),
@@ -62,7 +62,8 @@ TEST_F(GeometryCommands, MeshWritesObjAndJson)
 
 TEST_F(GeometryCommands, MeshReportsShapesThatKeepOnlyTheirOutline)
 {
-    const ToolRun r = RunTool({Path("bad.svg", kUnfillable), "-o", Path("bad.json")}, vksvg::runMeshCommand);
+    const ToolRun r =
+        RunTool({Path("bad.svg", kUnfillable), "-o", Path("bad.json"), "--subset"}, vksvg::runMeshCommand);
     EXPECT_EQ(r.code, 0);
     EXPECT_NE(r.out.find("Failed shapes: 1\n"), std::string::npos);
     EXPECT_NE(r.err.find("Only its contour will be visible."), std::string::npos);
@@ -74,7 +75,7 @@ TEST_F(GeometryCommands, RenderWritesAPngOfTheViewboxAspect)
 {
     const std::string in = Path("drawing.svg", kDrawing);
     const std::string png = Path("out.png");
-    const ToolRun r = RunTool({in, "-o", png, "--width", "200"}, vksvg::runRenderCommand);
+    const ToolRun r = RunTool({in, "-o", png, "--width", "200", "--subset"}, vksvg::runRenderCommand);
     EXPECT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out, "Wrote " + png + " (200x100): 2 primitives, 2 triangles, 0 failed shapes\n");
     const std::string bytes = Read(png);
@@ -88,16 +89,16 @@ TEST_F(GeometryCommands, RenderWritesAPngOfTheViewboxAspect)
     EXPECT_EQ(be32(20), 100u);
 
     const std::string wire = Path("wire.png");
-    EXPECT_EQ(
-        RunTool({in, "-o", wire, "--height", "100", "--background", "none", "--wireframe"}, vksvg::runRenderCommand)
-            .code,
-        0);
+    EXPECT_EQ(RunTool({in, "-o", wire, "--height", "100", "--background", "none", "--wireframe", "--subset"},
+                      vksvg::runRenderCommand)
+                  .code,
+              0);
     EXPECT_NE(Read(wire), bytes);
 }
 
 TEST_F(GeometryCommands, BboxPrintsDocumentAndTopLevelItems)
 {
-    const ToolRun r = RunTool({Path("drawing.svg", kDrawing)}, vksvg::runBboxCommand);
+    const ToolRun r = RunTool({Path("drawing.svg", kDrawing), "--subset"}, vksvg::runBboxCommand);
     EXPECT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out, "svg: 0 0 40 20\n"
                      "  g \"layer\": 10 5 20 15\n"
@@ -127,4 +128,36 @@ TEST_F(GeometryCommands, UsageAndLoadFailures)
     EXPECT_EQ(RunTool({missing, "-o", Path("m.png")}, vksvg::runRenderCommand).code, 1);
     EXPECT_EQ(RunTool({missing}, vksvg::runBboxCommand).code, 1);
     EXPECT_EQ(RunTool({in, "-o", "/nonexistent-dir/x.png"}, vksvg::runRenderCommand).code, 1);
+}
+
+// The full profile's viewBox is the root viewport in pixels: drawn at that
+// size unless a side is given. The subset keeps its default width of 512.
+TEST_F(GeometryCommands, RenderDrawsTheRootViewportAtItsOwnSize)
+{
+    const std::string in = Path("sized.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"120\" height=\"80\" "
+                                             "viewBox=\"0 0 60 40\"><rect width=\"30\" height=\"20\"/></svg>");
+    const std::string png = Path("sized.png");
+    const struct {
+        std::vector<std::string> flags;
+        std::string size;
+    } cases[] = {
+        {{}, "(120x80)"},
+        {{"--width", "60"}, "(60x40)"},
+        {{"--height", "160"}, "(240x160)"},
+        {{"--width", "50", "--height", "50"}, "(50x50)"},
+        {{"--subset", "--lenient"}, "(512x341)"},
+    };
+    for (const auto& c : cases) {
+        std::vector<std::string> args = {in, "-o", png};
+        args.insert(args.end(), c.flags.begin(), c.flags.end());
+        const ToolRun r = RunTool(args, vksvg::runRenderCommand);
+        EXPECT_EQ(r.code, 0) << r.err;
+        EXPECT_EQ(r.out.rfind("Wrote " + png + " " + c.size + ": 1 primitives, 2 triangles", 0), 0u) << r.out;
+    }
+    // Fractional sizes round to whole pixels.
+    const std::string mm = Path("mm.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"10mm\" height=\"5.5mm\">"
+                                          "<rect width=\"3\" height=\"2\"/></svg>");
+    const ToolRun r = RunTool({mm, "-o", png}, vksvg::runRenderCommand);
+    EXPECT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.out.rfind("Wrote " + png + " (38x21): ", 0), 0u) << r.out;
 }

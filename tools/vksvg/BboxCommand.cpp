@@ -14,7 +14,7 @@ namespace {
 
 using namespace vk::svg;
 
-const char* const kUsage = "Usage: vksvg bbox IN [--lenient]\n";
+const char* const kUsage = "Usage: vksvg bbox IN [--subset] [--lenient]\n";
 
 constexpr std::array<const char*, 8> kElementNames = {"svg", "g", "line", "rect", "circle", "path", "text", "image"};
 
@@ -41,13 +41,11 @@ void PrintBox(std::ostream& out, const BoundingBox& box)
 int runBboxCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err)
 {
     std::string input;
-    bool lenient = false;
+    LoadOptions options = DefaultLoadOptions();
     for (const std::string& arg : args) {
-        if (arg == "--lenient") {
-            lenient = true;
-        } else if (input.empty() && !(arg.size() > 1 && arg[0] == '-')) {
+        if (input.empty() && !(arg.size() > 1 && arg[0] == '-')) {
             input = arg;
-        } else {
+        } else if (!ApplyLoadFlag(arg, options)) {
             err << kUsage;
             return UsageError;
         }
@@ -59,7 +57,7 @@ int runBboxCommand(const std::vector<std::string>& args, std::ostream& out, std:
 
     DocumentSession session(err);
     std::shared_ptr<Node> tree;
-    if (!geometry::LoadTree(input, lenient, tree, err))
+    if (!geometry::LoadTree(input, options, tree, err))
         return Failure;
 
     BoundingBox box;

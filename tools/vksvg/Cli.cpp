@@ -16,7 +16,11 @@ void printUsage(std::ostream& out)
            "Commands:\n";
     for (const Command& command : commands())
         out << "  " << command.name << ' ' << command.synopsis << "\n      " << command.summary << '\n';
-    out << "\nExit status: 0 success, 1 failure, 2 usage error.\n";
+    out << "\nThe commands that load a document read it as a web browser does: style sheets, references, units "
+           "and every shape, with what the items cannot hold skipped with a warning. --subset reads only the "
+           "library's own subset of SVG, failing on anything else, or with --lenient skipping it with a "
+           "warning.\n"
+           "\nExit status: 0 success, 1 failure, 2 usage error.\n";
 }
 
 } // namespace
@@ -28,28 +32,27 @@ const std::vector<Command>& commands()
          "Parse each TEXT as an SVG colour and print its red, green, blue and alpha bytes, or say that it is no "
          "colour.",
          runColorCommand},
-        {"info", "FILE [--lenient]",
+        {"info", "FILE [--subset] [--lenient]",
          "Load an SVG document and print its items as an indented outline with ids and key geometry, then the "
-         "number of items of each type. Warnings and errors go to standard error, one per line; --lenient skips "
-         "unsupported elements and attributes instead of failing.",
+         "number of items of each type. Warnings and errors go to standard error, one per line.",
          runInfoCommand},
-        {"convert", "IN OUT [--precision N] [--pretty] [--no-header] [--lenient]",
+        {"convert", "IN OUT [--precision N] [--pretty] [--no-header] [--subset] [--lenient]",
          "Load IN and save it as OUT (\"-\" for standard output): N digits after the point (default 6), "
-         "indented output, no Exporter/Datetime comments, unsupported content skipped. Messages go to standard "
-         "error.",
+         "indented output, no Exporter/Datetime comments. Messages go to standard error.",
          runConvertCommand},
-        {"mesh", "IN -o OUT [--lenient]",
+        {"mesh", "IN -o OUT [--subset] [--lenient]",
          "Segment IN and write the result to OUT: .obj (one object per shape, outline as lines, fill as triangles) or "
          ".json (points, index pairs, triangle vertices and indices, fill and stroke colours, stroke width). Prints "
          "the numbers of primitives, outline points and triangles, and of shapes whose fill could not be "
          "triangulated; exits with 1 when segmentation stopped at a stroked one.",
          runMeshCommand},
-        {"render", "IN -o OUT.png [--width W] [--height H] [--background COLOR] [--wireframe] [--lenient]",
+        {"render", "IN -o OUT.png [--width W] [--height H] [--background COLOR] [--wireframe] [--subset] [--lenient]",
          "Draw the segmentation of IN as a PNG: fills from their triangles, outlines in their stroke colour and "
-         "width, the viewBox (or the estimated box) fitted to W x H (default width 512, height by aspect ratio) on "
-         "COLOR (default white; none for transparent). --wireframe also outlines every triangle.",
+         "width, the viewBox (or the estimated box) fitted to W x H on COLOR (default white; none for "
+         "transparent). The default size is the document's own in pixels, or with --subset or without a viewBox "
+         "512 wide; a missing side follows the aspect ratio. --wireframe also outlines every triangle.",
          runRenderCommand},
-        {"bbox", "IN [--lenient]",
+        {"bbox", "IN [--subset] [--lenient]",
          "Print the estimated bounding box (min x, min y, max x, max y) of the document and of each of its "
          "top-level items, or \"empty\" for items without geometry.",
          runBboxCommand},

@@ -5,6 +5,7 @@
 // reports writer failures, and the printing of load and save messages.
 
 #include <svg/Library.h>
+#include <svg/Options.h>
 #include <svg/vkSvgIOManager.h>
 
 #include <vkSystem/vkLog.h>
@@ -50,12 +51,32 @@ inline void PrintMessages(const std::list<std::string>& messages, std::ostream& 
         err << message << '\n';
 }
 
-// Loads `fileName`, printing every message; false when the load failed.
-inline bool LoadDocument(const std::string& fileName, bool lenient,
-                         vk::svg::ItemInterfacePointer<vk::svg::ItemInterface>& root, std::ostream& err)
+// The load options of every document command: the full profile unless
+// --subset asks for the library's own subset, read strictly unless
+// --lenient.
+inline vk::svg::LoadOptions DefaultLoadOptions()
 {
     vk::svg::LoadOptions options;
-    options.ignoreUnsupported = lenient;
+    options.profile = vk::svg::LoadProfile::Full;
+    return options;
+}
+
+// Applies `arg` when it is one of the load flags; false for anything else.
+inline bool ApplyLoadFlag(const std::string& arg, vk::svg::LoadOptions& options)
+{
+    if (arg == "--subset")
+        options.profile = vk::svg::LoadProfile::Subset;
+    else if (arg == "--lenient")
+        options.ignoreUnsupported = true;
+    else
+        return false;
+    return true;
+}
+
+// Loads `fileName`, printing every message; false when the load failed.
+inline bool LoadDocument(const std::string& fileName, const vk::svg::LoadOptions& options,
+                         vk::svg::ItemInterfacePointer<vk::svg::ItemInterface>& root, std::ostream& err)
+{
     std::list<std::string> messages;
     const bool ok = vk::svg::vkSvgIOManager::get().loadSvg(root, fileName, nullptr, &options, &messages);
     PrintMessages(messages, err);

@@ -11,7 +11,8 @@ namespace vksvg {
 
 namespace {
 
-constexpr const char* kUsage = "Usage: vksvg convert IN OUT [--precision N] [--pretty] [--no-header] [--lenient]\n";
+constexpr const char* kUsage =
+    "Usage: vksvg convert IN OUT [--precision N] [--pretty] [--no-header] [--subset] [--lenient]\n";
 
 // A whole decimal integer from -1 (the default) to 100.
 bool ParsePrecision(const std::string& text, int32_t& precision)
@@ -33,15 +34,13 @@ int runConvertCommand(const std::vector<std::string>& args, std::ostream& out, s
 {
     std::vector<std::string> files;
     vk::svg::SaveOptions saveOptions;
-    bool lenient = false;
+    vk::svg::LoadOptions loadOptions = DefaultLoadOptions();
     for (std::size_t i = 0; i < args.size(); ++i) {
         const std::string& arg = args[i];
         if (arg == "--pretty") {
             saveOptions.prettyPrint = true;
         } else if (arg == "--no-header") {
             saveOptions.writeHeaderComments = false;
-        } else if (arg == "--lenient") {
-            lenient = true;
         } else if (arg == "--precision") {
             if (i + 1 >= args.size() || !ParsePrecision(args[i + 1], saveOptions.precision)) {
                 err << "vksvg: --precision needs a whole number from -1 to 100\n" << kUsage;
@@ -49,8 +48,10 @@ int runConvertCommand(const std::vector<std::string>& args, std::ostream& out, s
             }
             ++i;
         } else if (arg.size() > 1 && arg[0] == '-') {
-            err << "vksvg: unknown option '" << arg << "'\n" << kUsage;
-            return UsageError;
+            if (!ApplyLoadFlag(arg, loadOptions)) {
+                err << "vksvg: unknown option '" << arg << "'\n" << kUsage;
+                return UsageError;
+            }
         } else {
             files.push_back(arg);
         }
@@ -62,7 +63,7 @@ int runConvertCommand(const std::vector<std::string>& args, std::ostream& out, s
 
     DocumentSession session(err);
     vk::svg::ItemInterfacePointer<vk::svg::ItemInterface> root;
-    if (!LoadDocument(files[0], lenient, root, err))
+    if (!LoadDocument(files[0], loadOptions, root, err))
         return Failure;
     if (root == nullptr) {
         err << "vksvg: \"" << files[0] << "\" holds no item to write\n";

@@ -25,10 +25,11 @@ namespace geometry {
 
 // Loads `file` as a tree to walk: a document as it is, any other root
 // inside a group of its own.
-inline bool LoadTree(const std::string& file, bool lenient, std::shared_ptr<vk::svg::Node>& tree, std::ostream& err)
+inline bool LoadTree(const std::string& file, const vk::svg::LoadOptions& options, std::shared_ptr<vk::svg::Node>& tree,
+                     std::ostream& err)
 {
     vk::svg::ItemInterfacePointer<vk::svg::ItemInterface> root;
-    if (!LoadDocument(file, lenient, root, err))
+    if (!LoadDocument(file, options, root, err))
         return false;
     if (root == nullptr) {
         err << "vksvg: \"" << file << "\" holds no drawing\n";

@@ -14,6 +14,8 @@ namespace {
 
 using namespace vk::svg;
 
+const char* const kUsage = "Usage: vksvg info FILE [--subset] [--lenient]\n";
+
 constexpr std::array<const char*, 8> kElementNames = {"svg", "g", "line", "rect", "circle", "path", "text", "image"};
 
 const char* ElementName(ItemType type)
@@ -151,25 +153,23 @@ private:
 int runInfoCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err)
 {
     std::string file;
-    bool lenient = false;
+    LoadOptions options = DefaultLoadOptions();
     for (const std::string& arg : args) {
-        if (arg == "--lenient") {
-            lenient = true;
-        } else if (file.empty() && !(arg.size() > 1 && arg[0] == '-')) {
+        if (file.empty() && !(arg.size() > 1 && arg[0] == '-')) {
             file = arg;
-        } else {
-            err << "Usage: vksvg info FILE [--lenient]\n";
+        } else if (!ApplyLoadFlag(arg, options)) {
+            err << kUsage;
             return UsageError;
         }
     }
     if (file.empty()) {
-        err << "Usage: vksvg info FILE [--lenient]\n";
+        err << kUsage;
         return UsageError;
     }
 
     DocumentSession session(err);
     ItemInterfacePointer<ItemInterface> root;
-    if (!LoadDocument(file, lenient, root, err))
+    if (!LoadDocument(file, options, root, err))
         return Failure;
     Outline outline(out);
     if (root != nullptr)

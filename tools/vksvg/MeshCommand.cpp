@@ -14,7 +14,7 @@ namespace {
 
 using vk::svg::SegmentedPrimitive;
 
-const char* const kUsage = "Usage: vksvg mesh IN -o OUT [--lenient]   (OUT ends in .obj or .json)\n";
+const char* const kUsage = "Usage: vksvg mesh IN -o OUT [--subset] [--lenient]   (OUT ends in .obj or .json)\n";
 
 enum class MeshFormat { Obj, Json };
 
@@ -124,16 +124,14 @@ int runMeshCommand(const std::vector<std::string>& args, std::ostream& out, std:
 {
     std::string input;
     std::string output;
-    bool lenient = false;
+    vk::svg::LoadOptions options = DefaultLoadOptions();
     for (std::size_t i = 0; i < args.size(); ++i) {
         const std::string& arg = args[i];
         if (arg == "-o" && i + 1 < args.size() && output.empty()) {
             output = args[++i];
-        } else if (arg == "--lenient") {
-            lenient = true;
         } else if (input.empty() && !(arg.size() > 1 && arg[0] == '-')) {
             input = arg;
-        } else {
+        } else if (!ApplyLoadFlag(arg, options)) {
             err << kUsage;
             return UsageError;
         }
@@ -148,7 +146,7 @@ int runMeshCommand(const std::vector<std::string>& args, std::ostream& out, std:
 
     DocumentSession session(err);
     std::shared_ptr<vk::svg::Node> tree;
-    if (!geometry::LoadTree(input, lenient, tree, err))
+    if (!geometry::LoadTree(input, options, tree, err))
         return Failure;
     const geometry::Segmentation segmentation = geometry::SegmentTree(*tree, err);
     const vk::svg::SegmenterVisitor& visitor = *segmentation.visitor;

@@ -19,8 +19,8 @@ namespace {
 using vk::svg::BoundingBox;
 using vk::svg::SegmentedPrimitive;
 
-const char* const kUsage =
-    "Usage: vksvg render IN -o OUT.png [--width W] [--height H] [--background COLOR] [--wireframe] [--lenient]\n";
+const char* const kUsage = "Usage: vksvg render IN -o OUT.png [--width W] [--height H] [--background COLOR] "
+                           "[--wireframe] [--subset] [--lenient]\n";
 
 constexpr int kDefaultWidth = 512;
 constexpr int kMaxSide = 16384;
@@ -32,7 +32,7 @@ struct RenderOptions {
     int height = 0;
     Wm4::Vector4<unsigned char> background{255, 255, 255, 255};
     bool wireframe = false;
-    bool lenient = false;
+    vk::svg::LoadOptions load = DefaultLoadOptions();
 };
 
 bool ParseSide(const std::string& text, int& side)
@@ -67,16 +67,17 @@ bool ParseArguments(const std::vector<std::string>& args, RenderOptions& options
                 return false;
         } else if (arg == "--wireframe") {
             options.wireframe = true;
-        } else if (arg == "--lenient") {
-            options.lenient = true;
         } else if (options.input.empty() && !(arg.size() > 1 && arg[0] == '-')) {
             options.input = arg;
-        } else {
+        } else if (!ApplyLoadFlag(arg, options.load)) {
             return false;
         }
     }
     return !options.input.empty() && !options.output.empty();
 }
+
+// A length in pixels as an image side.
+int WholeSide(double length) { return static_cast<int>(std::clamp(std::round(length), 1.0, double(kMaxSide))); }
 
 bool Usable(const BoundingBox& box)
 {
@@ -84,15 +85,23 @@ bool Usable(const BoundingBox& box)
            std::isfinite(box.getMaxPoint().X()) && std::isfinite(box.getMaxPoint().Y());
 }
 
+// The document's viewBox, when it has a usable one.
+const BoundingBox* Viewbox(const vk::svg::Node& tree)
+{
+    if (tree.getType() != vk::svg::ItemType::Document)
+        return nullptr;
+    const auto& viewbox = static_cast<const vk::svg::Document&>(tree).getViewbox();
+    if (viewbox && Usable(*viewbox) && viewbox->getWidth() > 0 && viewbox->getHeight() > 0)
+        return &*viewbox;
+    return nullptr;
+}
+
 // What the picture shows: the viewBox, else the estimated box, else
 // whatever the segmentation covers (estimates leave curves out).
 BoundingBox SourceBox(const vk::svg::Node& tree, const vk::svg::SegmenterVisitor& visitor)
 {
-    if (tree.getType() == vk::svg::ItemType::Document) {
-        const auto& viewbox = static_cast<const vk::svg::Document&>(tree).getViewbox();
-        if (viewbox && Usable(*viewbox) && viewbox->getWidth() > 0 && viewbox->getHeight() > 0)
-            return *viewbox;
-    }
+    if (const BoundingBox* viewbox = Viewbox(tree))
+        return *viewbox;
     BoundingBox box;
     vk::svg::ComputeEstimatedBoundingBox(tree, box, nullptr, nullptr);
     if (!Usable(box)) {
@@ -151,12 +160,17 @@ void FillTriangles(cairo_t* cr, const SegmentedPrimitive& primitive)
 }
 
 // Consecutive pairs that share an end are one polyline, so that its
-// corners get joins instead of two caps.
-void TraceContour(cairo_t* cr, const SegmentedPrimitive& primitive)
+// corners get joins instead of two caps. With `closeLoops` a polyline that
+// comes back to its first point is closed, so that the corner there is
+// joined too: rectangles and circles return to the first index, paths
+// repeat the first point.
+void TraceContour(cairo_t* cr, const SegmentedPrimitive& primitive, bool closeLoops)
 {
     const auto& points = primitive.getPoints();
     const auto& indices = primitive.getIndices();
     cairo_new_path(cr);
+    uint32_t first = 0;
+    bool drawn = false;
     for (std::size_t i = 0; i + 1 < indices.size(); i += 2) {
         const auto& a = points[indices[i]];
         const auto& b = points[indices[i + 1]];
@@ -164,19 +178,76 @@ void TraceContour(cairo_t* cr, const SegmentedPrimitive& primitive)
             cairo_new_sub_path(cr);
             continue;
         }
-        if (i == 0 || indices[i] != indices[i - 1] || !cairo_has_current_point(cr))
+        if (i == 0 || indices[i] != indices[i - 1] || !cairo_has_current_point(cr)) {
             cairo_move_to(cr, a.X(), a.Y());
-        cairo_line_to(cr, b.X(), b.Y());
+            first = indices[i];
+            drawn = false;
+        }
+        const auto& start = points[first];
+        if (closeLoops && drawn && (indices[i + 1] == first || (b.X() == start.X() && b.Y() == start.Y())))
+            cairo_close_path(cr);
+        else
+            cairo_line_to(cr, b.X(), b.Y());
+        drawn = true;
     }
 }
 
-void StrokeContour(cairo_t* cr, const SegmentedPrimitive& primitive)
+// The transform of every shape, in the order the segmenter visits them, so
+// that a stroke can be drawn as wide as its own user space makes it.
+class ShapeTransforms : private vk::svg::VisitorBase<ShapeTransforms> {
+    friend class vk::svg::VisitorBase<ShapeTransforms>;
+
+public:
+    explicit ShapeTransforms(const vk::svg::Node& root) { walk(root, Wm4::Matrix3<float>::IDENTITY); }
+    const std::vector<Wm4::Matrix3<float>>& matrices() const { return mMatrices; }
+
+private:
+    bool visitItem(const vk::svg::ItemInterface& item, const Wm4::Matrix3<float>& transform,
+                   const vk::svg::RenderingProperties&)
+    {
+        switch (item.getType()) {
+        case vk::svg::ItemType::Line:
+        case vk::svg::ItemType::Rect:
+        case vk::svg::ItemType::Circle:
+        case vk::svg::ItemType::Path:
+            mMatrices.push_back(transform);
+            break;
+        default:
+            break;
+        }
+        return true;
+    }
+
+    std::vector<Wm4::Matrix3<float>> mMatrices;
+};
+
+// With `userSpace`, the full profile's strokes: the pen is shaped by the
+// shape's transform (the contour is already mapped), loops are closed and
+// the miter limit is SVG's.
+// Without it, the subset's: the width in the document's space, every
+// polyline capped at both ends.
+void StrokeContour(cairo_t* cr, const SegmentedPrimitive& primitive, const Wm4::Matrix3<float>* userSpace)
 {
     const vk::svg::RenderingProperties& properties = primitive.getProperties();
     const float width = properties.getStrokeWidth().value_or(1.0f);
     if (!properties.hasStroke() || !(width > 0.0f) || primitive.getIndices().size() < 2)
         return;
-    TraceContour(cr, primitive);
+    TraceContour(cr, primitive, userSpace != nullptr);
+    cairo_save(cr);
+    const bool nonScaling = (properties.getVectorEffect().value_or(0) &
+                             static_cast<uint32_t>(vk::svg::VectorEffect::NonScalingStroke)) != 0;
+    if (userSpace != nullptr && !nonScaling) {
+        const Wm4::Matrix3<float>& m = *userSpace;
+        cairo_matrix_t pen;
+        cairo_matrix_init(&pen, m(0, 0), m(1, 0), m(0, 1), m(1, 1), 0, 0);
+        // A singular matrix would put the context in an error state.
+        cairo_matrix_t inverse = pen;
+        if (std::isfinite(m(0, 0)) && std::isfinite(m(1, 0)) && std::isfinite(m(0, 1)) && std::isfinite(m(1, 1)) &&
+            cairo_matrix_invert(&inverse) == CAIRO_STATUS_SUCCESS)
+            cairo_transform(cr, &pen);
+    }
+    if (userSpace != nullptr)
+        cairo_set_miter_limit(cr, properties.getStrokeMiterlimit().value_or(4.0f));
     cairo_set_line_width(cr, width);
     switch (properties.getStrokeLinecap().value_or(vk::svg::LineCap::Butt)) {
     case vk::svg::LineCap::Round:
@@ -203,6 +274,7 @@ void StrokeContour(cairo_t* cr, const SegmentedPrimitive& primitive)
     }
     SetSource(cr, properties.parseStrokeColor());
     cairo_stroke(cr);
+    cairo_restore(cr);
 }
 
 // Every triangle outlined one device pixel wide, whatever the scale.
@@ -227,7 +299,7 @@ int runRenderCommand(const std::vector<std::string>& args, std::ostream& out, st
 
     DocumentSession session(err);
     std::shared_ptr<vk::svg::Node> tree;
-    if (!geometry::LoadTree(options.input, options.lenient, tree, err))
+    if (!geometry::LoadTree(options.input, options.load, tree, err))
         return Failure;
     const geometry::Segmentation segmentation = geometry::SegmentTree(*tree, err);
     const vk::svg::SegmenterVisitor& visitor = *segmentation.visitor;
@@ -238,12 +310,21 @@ int runRenderCommand(const std::vector<std::string>& args, std::ostream& out, st
     const double aspect = static_cast<double>(box.getHeight()) / box.getWidth();
     int width = options.width;
     int height = options.height;
-    if (width == 0 && height == 0)
-        width = kDefaultWidth;
+    const BoundingBox* viewbox = Viewbox(*tree);
+    if (width == 0 && height == 0) {
+        // The full profile's viewBox is the root viewport in pixels, so it
+        // is drawn at its own size.
+        if (options.load.profile == vk::svg::LoadProfile::Full && viewbox != nullptr) {
+            width = WholeSide(viewbox->getWidth());
+            height = WholeSide(viewbox->getHeight());
+        } else {
+            width = kDefaultWidth;
+        }
+    }
     if (width == 0)
-        width = std::clamp(static_cast<int>(std::lround(height / aspect)), 1, kMaxSide);
+        width = WholeSide(height / aspect);
     if (height == 0)
-        height = std::clamp(static_cast<int>(std::lround(width * aspect)), 1, kMaxSide);
+        height = WholeSide(width * aspect);
     const double scale =
         std::min(width / static_cast<double>(box.getWidth()), height / static_cast<double>(box.getHeight()));
 
@@ -258,11 +339,17 @@ int runRenderCommand(const std::vector<std::string>& args, std::ostream& out, st
     cairo_translate(cr, (width - scale * box.getWidth()) / 2, (height - scale * box.getHeight()) / 2);
     cairo_scale(cr, scale, scale);
     cairo_translate(cr, -box.getMinPoint().X(), -box.getMinPoint().Y());
+    // The subset draws every stroke at its width in the document's space.
+    std::vector<Wm4::Matrix3<float>> userSpaces;
+    if (options.load.profile == vk::svg::LoadProfile::Full)
+        userSpaces = ShapeTransforms(*tree).matrices();
     std::size_t triangles = 0;
+    std::size_t shape = 0;
     for (const auto& primitive : visitor.getSegmentedPrimitives()) {
         if (primitive->getProperties().hasFill())
             FillTriangles(cr, *primitive);
-        StrokeContour(cr, *primitive);
+        StrokeContour(cr, *primitive, shape < userSpaces.size() ? &userSpaces[shape] : nullptr);
+        ++shape;
         triangles += primitive->getTriangleIndices().size() / 3;
     }
     if (options.wireframe)
