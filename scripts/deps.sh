@@ -4,6 +4,8 @@ VKSVG_PACKAGES=(
   build-essential cmake git pkg-config
   libxml2-dev libutfcpp-dev libwildmagic-dev libcairo2-dev
   libgtest-dev libgmock-dev libbenchmark-dev
+  # Clipper, which unites fill contours under their winding rule
+  libpolyclipping-dev
   # rsvg-convert, the reference the render comparison test draws against
   librsvg2-bin
   clang-14 libclang-rt-14-dev

@@ -1,6 +1,9 @@
 // Triangulation of large outlines, reported as time per input vertex so that
-// sizes compare directly (flat per-vertex time means n log n or better).
+// sizes compare directly (flat per-vertex time means n log n or better). Each
+// input runs through TriangulatePoly and, as the *Fill variant, through
+// TessellateFill, both counting the vertices and triangles they make.
 
+#include <svg/Tessellation.h>
 #include <svg/Triangulation.h>
 
 #include <benchmark/benchmark.h>
@@ -81,30 +84,49 @@ void Run(benchmark::State& state, const Outline& outline, vk::TriangulationFillR
     }
     state.counters["per_vertex"] = benchmark::Counter(
         double(outline.points.size()), benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+    state.counters["vertices"] = double(points.size());
     state.counters["triangles"] = double(triangles.size() / 3);
 }
 
-void BM_Star(benchmark::State& state)
+void RunFill(benchmark::State& state, const Outline& outline, vk::TriangulationFillRule rule)
+{
+    const vk::svg::WindingRule winding =
+        rule == vk::TriangulationFillRule::EvenOdd ? vk::svg::WindingRule::EvenOdd : vk::svg::WindingRule::NonZero;
+    const std::vector<uint32_t> edges(outline.edges.begin(), outline.edges.end());
+    vk::svg::FillMesh mesh;
+    for (auto _ : state) {
+        if (!vk::svg::TessellateFill(outline.points, edges, winding, mesh)) {
+            state.SkipWithError("tessellation failed");
+            break;
+        }
+        benchmark::DoNotOptimize(mesh.indices.data());
+    }
+    state.counters["per_vertex"] = benchmark::Counter(
+        double(outline.points.size()), benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+    state.counters["vertices"] = double(mesh.vertices.size());
+    state.counters["triangles"] = double(mesh.indices.size() / 3);
+}
+
+Outline StarOutline(std::size_t n)
 {
     std::mt19937 rng(1);
     Outline outline;
-    AddRing(outline, Star(rng, std::size_t(state.range(0)), V2(0, 0), 50.0f, 100.0f));
-    Run(state, outline, vk::TriangulationFillRule::NonZero);
+    AddRing(outline, Star(rng, n, V2(0, 0), 50.0f, 100.0f));
+    return outline;
 }
 
-void BM_RandomWalk(benchmark::State& state)
+Outline RandomWalkOutline(std::size_t n)
 {
     std::mt19937 rng(2);
     Outline outline;
-    AddRing(outline, RandomWalk(rng, std::size_t(state.range(0))));
-    Run(state, outline, vk::TriangulationFillRule::NonZero);
+    AddRing(outline, RandomWalk(rng, n));
+    return outline;
 }
 
 // A 10 x 10 grid of star-shaped holes in a star-shaped outline.
-void BM_Holes(benchmark::State& state)
+Outline HolesOutline(std::size_t holeVertices)
 {
     std::mt19937 rng(3);
-    const std::size_t holeVertices = std::size_t(state.range(0));
     Outline outline;
     AddRing(outline, Star(rng, 10 * holeVertices, V2(0, 0), 95.0f, 100.0f));
     for (int i = 0; i < 10; ++i) {
@@ -113,13 +135,76 @@ void BM_Holes(benchmark::State& state)
             AddRing(outline, Star(rng, holeVertices, center, 2.0f, 5.0f));
         }
     }
-    Run(state, outline, vk::TriangulationFillRule::EvenOdd);
+    return outline;
+}
+
+// A star whose angles jitter by up to three steps, so that the outline
+// crosses itself a few times per vertex.
+Outline TangledOutline(std::size_t n)
+{
+    std::mt19937 rng(4);
+    std::uniform_real_distribution<double> jitter(-3.0, 3.0);
+    std::uniform_real_distribution<float> radius(20.0f, 100.0f);
+    std::vector<V2> ring;
+    for (std::size_t i = 0; i < n; ++i) {
+        const double angle = 2.0 * kPi * (double(i) + jitter(rng)) / double(n);
+        const float r = radius(rng);
+        ring.emplace_back(r * float(std::cos(angle)), r * float(std::sin(angle)));
+    }
+    Outline outline;
+    AddRing(outline, ring);
+    return outline;
+}
+
+void BM_Star(benchmark::State& state)
+{
+    Run(state, StarOutline(std::size_t(state.range(0))), vk::TriangulationFillRule::NonZero);
+}
+
+void BM_StarFill(benchmark::State& state)
+{
+    RunFill(state, StarOutline(std::size_t(state.range(0))), vk::TriangulationFillRule::NonZero);
+}
+
+void BM_RandomWalk(benchmark::State& state)
+{
+    Run(state, RandomWalkOutline(std::size_t(state.range(0))), vk::TriangulationFillRule::NonZero);
+}
+
+void BM_RandomWalkFill(benchmark::State& state)
+{
+    RunFill(state, RandomWalkOutline(std::size_t(state.range(0))), vk::TriangulationFillRule::NonZero);
+}
+
+void BM_Holes(benchmark::State& state)
+{
+    Run(state, HolesOutline(std::size_t(state.range(0))), vk::TriangulationFillRule::EvenOdd);
+}
+
+void BM_HolesFill(benchmark::State& state)
+{
+    RunFill(state, HolesOutline(std::size_t(state.range(0))), vk::TriangulationFillRule::EvenOdd);
+}
+
+void BM_Tangled(benchmark::State& state)
+{
+    Run(state, TangledOutline(std::size_t(state.range(0))), vk::TriangulationFillRule::NonZero);
+}
+
+void BM_TangledFill(benchmark::State& state)
+{
+    RunFill(state, TangledOutline(std::size_t(state.range(0))), vk::TriangulationFillRule::NonZero);
 }
 
 } // namespace
 
 BENCHMARK(BM_Star)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_StarFill)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_RandomWalk)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RandomWalkFill)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Holes)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_HolesFill)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Tangled)->Arg(10000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_TangledFill)->Arg(10000)->Unit(benchmark::kMillisecond);
 
 BENCHMARK_MAIN();
