@@ -100,17 +100,30 @@ std::vector<const Path*> Paths()
     return paths;
 }
 
+// Argument 0: the default options (32 steps, trapezoidal fill); 1: the
+// faithful ones (flattening to 0.25 units, the fill tessellator). Reports the
+// whole drawing's outline vertices, fill vertices and triangles.
 void BM_SegmenterVisitor(benchmark::State& state)
 {
     const Document& drawing = Drawing();
+    const bool faithful = state.range(0) == 1;
     std::size_t primitives = 0;
     std::size_t triangles = 0;
+    std::size_t outlineVertices = 0;
+    std::size_t fillVertices = 0;
+    std::size_t drawingTriangles = 0;
     bool failed = false;
     for (auto _ : state) {
-        SegmenterVisitor visitor(drawing);
+        SegmenterVisitor visitor =
+            faithful ? SegmenterVisitor(drawing, SegmentationOptions::Faithful()) : SegmenterVisitor(drawing);
         primitives += visitor.getSegmentedPrimitives().size();
-        for (const auto& primitive : visitor.getSegmentedPrimitives())
-            triangles += primitive->getTriangleIndices().size() / 3;
+        outlineVertices = fillVertices = drawingTriangles = 0;
+        for (const auto& primitive : visitor.getSegmentedPrimitives()) {
+            drawingTriangles += primitive->getTriangleIndices().size() / 3;
+            outlineVertices += primitive->getPoints().size();
+            fillVertices += primitive->getTriangleVertices().size();
+        }
+        triangles += drawingTriangles;
         failed = failed || visitor.hasError();
         benchmark::DoNotOptimize(visitor.getSegmentedPrimitives().size());
     }
@@ -118,8 +131,11 @@ void BM_SegmenterVisitor(benchmark::State& state)
         state.SkipWithError("a path could not be triangulated");
     state.counters["primitives/s"] = benchmark::Counter(double(primitives), benchmark::Counter::kIsRate);
     state.counters["triangles/s"] = benchmark::Counter(double(triangles), benchmark::Counter::kIsRate);
+    state.counters["outline_vertices"] = double(outlineVertices);
+    state.counters["fill_vertices"] = double(fillVertices);
+    state.counters["triangles"] = double(drawingTriangles);
 }
-BENCHMARK(BM_SegmenterVisitor)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SegmenterVisitor)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 // The visitor's three stages run one after the other over every path, each
 // timed on its own: flattening (walking the commands, subdividing curves

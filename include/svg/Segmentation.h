@@ -4,6 +4,7 @@
 #include <svg/Export.h>
 #include <svg/Items.h>
 #include <svg/RenderingProperties.h>
+#include <svg/Tessellation.h>
 
 #include <wm4/Wm4BezierCurve2.h>
 #include <wm4/Wm4Matrix3.h>
@@ -13,11 +14,50 @@
 #include <cstdint>
 #include <list>
 #include <memory>
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace vk::svg {
 
 class SegmentedPrimitive;
+
+// How shapes are segmented. The defaults give the library's long-standing
+// results exactly; Faithful() turns on what SVG renderers do.
+struct VKSVG_API SegmentationOptions {
+    // Above 0: curves, arcs and circles are flattened so that no point of
+    // them is farther than this from their polylines, in output units
+    // (after the transform), so that a small curve gets few points and a
+    // large one many. 0 or less: 32 pieces per curve, arc and circle.
+    float tolerance = 0.0f;
+    // Fills with TessellateFill under the shape's fill-rule (non-zero when
+    // unset), which fills any finite outline and shares vertices, instead of
+    // the trapezoidal triangulator's non-zero rule by crossing depth.
+    bool tessellateFill = false;
+    // Segments every shape; one whose fill fails is kept with its outline
+    // and reported in SegmenterVisitor::getFailures(), instead of the walk
+    // stopping at the first stroked one.
+    bool continueAfterFailure = false;
+
+    // All of the above, at `tolerance` output units.
+    static SegmentationOptions Faithful(float tolerance = 0.25f)
+    {
+        SegmentationOptions options;
+        options.tolerance = tolerance;
+        options.tessellateFill = true;
+        options.continueAfterFailure = true;
+        return options;
+    }
+};
+
+// A shape whose fill could not be made.
+struct VKSVG_API SegmentationFailure {
+    std::optional<std::string> id;
+    // The shape's position among all shapes of the walk, in document order,
+    // from 0.
+    std::size_t index = 0;
+    std::string reason;
+};
 
 namespace SegmentationUtils {
 
@@ -145,12 +185,25 @@ public:
     const RenderingProperties& getProperties() const { return properties; }
     RenderingProperties& editProperties() { return properties; }
 
+    // One run of the outline: getIndices() entries [firstIndex, firstIndex +
+    // indexCount) (whole pairs), and whether the run is closed (joined at
+    // its start, as by a close-path) or open (capped at both ends when
+    // stroked). Filled in by the segmenters that take SegmentationOptions.
+    struct Subpath {
+        uint32_t firstIndex = 0;
+        uint32_t indexCount = 0;
+        bool closed = false;
+    };
+    const std::vector<Subpath>& getSubpaths() const { return subpaths; }
+    std::vector<Subpath>& editSubpaths() { return subpaths; }
+
 private:
     std::vector<Wm4::Vector2<float>> points;
     std::vector<uint32_t> indices;
     std::vector<Wm4::Vector2<float>> triangleVertices;
     std::vector<uint32_t> triangleIndices;
     RenderingProperties properties;
+    std::vector<Subpath> subpaths;
 };
 
 // The shape segmenters. A null `transform` is the identity, null
@@ -176,6 +229,26 @@ VKSVG_API std::shared_ptr<SegmentedPrimitive> SegmentPath(const Path& path, unsi
                                                           const RenderingProperties* properties,
                                                           SegmentationUtils::BezierSegmentationWorkspace* workspace,
                                                           bool* error);
+
+// The same shapes under `options`. With a tolerance the outline is built in
+// output space; with tessellateFill the fill is an indexed mesh with one
+// vertex per position. Subpaths are always filled in. A fill that cannot
+// be made leaves the outline and the reason in `*failure` (may be null).
+VKSVG_API std::shared_ptr<SegmentedPrimitive> SegmentLine(const Line& line, const SegmentationOptions& options,
+                                                          const Wm4::Matrix3<float>* transform,
+                                                          const RenderingProperties* properties);
+VKSVG_API std::shared_ptr<SegmentedPrimitive> SegmentRect(const Rect& rect, const SegmentationOptions& options,
+                                                          const Wm4::Matrix3<float>* transform,
+                                                          const RenderingProperties* properties, std::string* failure);
+VKSVG_API std::shared_ptr<SegmentedPrimitive> SegmentCircle(const Circle& circle, const SegmentationOptions& options,
+                                                            const Wm4::Matrix3<float>* transform,
+                                                            const RenderingProperties* properties,
+                                                            std::string* failure);
+VKSVG_API std::shared_ptr<SegmentedPrimitive> SegmentPath(const Path& path, const SegmentationOptions& options,
+                                                          const Wm4::Matrix3<float>* transform,
+                                                          const RenderingProperties* properties,
+                                                          SegmentationUtils::BezierSegmentationWorkspace* workspace,
+                                                          std::string* failure);
 
 // A depth-first walk over an item tree that keeps, for the item being
 // visited, the transform and the cascaded rendering properties in force:
@@ -247,6 +320,8 @@ class VKSVG_API SegmenterVisitor : private VisitorBase<SegmenterVisitor> {
 public:
     // Walks the tree from `root`; the results are ready afterwards.
     explicit SegmenterVisitor(const Node& root);
+    // The same walk under `options`.
+    SegmenterVisitor(const Node& root, const SegmentationOptions& options);
 
     const std::list<std::shared_ptr<SegmentedPrimitive>>& getSegmentedPrimitives() const { return mPrimitives; }
     std::list<std::shared_ptr<SegmentedPrimitive>>& getSegmentedPrimitives() { return mPrimitives; }
@@ -256,6 +331,11 @@ public:
     // stopped there: the primitives before it, and that shape's outline,
     // are in the list; nothing after it is.
     bool hasError() const { return mError; }
+
+    // Every shape whose fill could not be made, in document order. Only a
+    // walk with continueAfterFailure goes on past the first failure; a
+    // default walk reports its failed shapes here too.
+    const std::vector<SegmentationFailure>& getFailures() const { return mFailures; }
 
     // Segments one item with the transform and properties in force for it
     // and appends the result. A fill that cannot be triangulated answers
@@ -274,6 +354,10 @@ private:
     std::list<std::shared_ptr<SegmentedPrimitive>> mPrimitives;
     std::size_t mPrimitiveCount = 0;
     bool mError = false;
+    SegmentationOptions mOptions;
+    bool mLegacy = true;
+    std::size_t mShapeIndex = 0;
+    std::vector<SegmentationFailure> mFailures;
 };
 
 } // namespace vk::svg

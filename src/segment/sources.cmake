@@ -1,6 +1,7 @@
 target_sources(vkSvgObjects PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/BoundingVolumes.cpp
   ${CMAKE_CURRENT_LIST_DIR}/ComputeEstimatedBoundingBox.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/OptionSegmenters.cpp
   ${CMAKE_CURRENT_LIST_DIR}/PathBoundingVolume.cpp
   ${CMAKE_CURRENT_LIST_DIR}/ArcSegmentation.cpp
   ${CMAKE_CURRENT_LIST_DIR}/BezierSegmentation.cpp
