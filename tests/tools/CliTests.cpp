@@ -41,3 +41,16 @@ TEST(Cli, HelpNamesTheSubsetFlagOfEveryDocumentCommand)
     }
     EXPECT_NE(help.out.find("--subset reads only the library's own subset of SVG"), std::string::npos);
 }
+
+TEST(Cli, HelpNamesToleranceOfTheGeometryCommandsAndThePartialStatus)
+{
+    const CliRun help = RunTool({"--help"});
+    EXPECT_EQ(help.code, 0);
+    for (const vksvg::Command& command : vksvg::commands()) {
+        const std::string name = command.name;
+        const bool segments = name == "mesh" || name == "render" || name == "bbox";
+        EXPECT_EQ(std::string(command.synopsis).find("[--tolerance T]") != std::string::npos, segments) << name;
+    }
+    EXPECT_NE(help.out.find("--tolerance is a usage error"), std::string::npos);
+    EXPECT_NE(help.out.find("Exit status: 0 success, 1 failure, 2 usage error, 3 partial result"), std::string::npos);
+}

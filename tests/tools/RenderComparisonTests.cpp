@@ -29,10 +29,7 @@ constexpr double kMaxDiffering = 0.02;
 
 // Files that are known to draw differently, and why. They are still drawn
 // and compared; a difference skips instead of failing.
-const std::map<std::string, std::string> kKnownDifferences = {
-    {"paint_evenodd", "the triangulation fills by winding number, so an evenodd hole is filled"},
-    {"path_open_subpath", "the segmentation fills closed contours only"},
-};
+const std::map<std::string, std::string> kKnownDifferences = {};
 
 const fs::path kFolder = fs::path(VKSVG_TEST_DATA_DIR) / "full";
 

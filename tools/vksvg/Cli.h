@@ -7,8 +7,9 @@
 
 namespace vksvg {
 
-// Exit codes of the tool.
-enum ExitCode : int { Success = 0, Failure = 1, UsageError = 2 };
+// Exit codes of the tool. PartialResult: everything was written, but some
+// shapes could not be filled and are there as outlines only.
+enum ExitCode : int { Success = 0, Failure = 1, UsageError = 2, PartialResult = 3 };
 
 // One subcommand: its name, a one-line synopsis of its arguments, what it
 // does, and the function that runs it on the arguments after its name.

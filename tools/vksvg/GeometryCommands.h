@@ -2,7 +2,8 @@
 #define VKSVG_TOOL_GEOMETRYCOMMANDS_H
 
 // What the commands that look at a document's geometry share: loading a
-// tree to walk and segmenting it with the failures counted.
+// tree to walk, the --tolerance option, and segmenting it with the failed
+// shapes counted and listed.
 
 #include "Cli.h"
 #include "CommandSupport.h"
@@ -12,9 +13,12 @@
 
 #include <vkSystem/vkLog.h>
 
+#include <charconv>
+#include <cmath>
 #include <cstddef>
 #include <iosfwd>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -22,6 +26,8 @@
 namespace vksvg {
 
 namespace geometry {
+
+constexpr float kDefaultTolerance = 0.25f;
 
 // Loads `file` as a tree to walk: a document as it is, any other root
 // inside a group of its own.
@@ -45,31 +51,160 @@ inline bool LoadTree(const std::string& file, const vk::svg::LoadOptions& option
     return true;
 }
 
-// A document's segmentation, with the number of shapes that kept only
-// their outline (the library logs each one).
+// The value of --tolerance: a finite number above 0. from_chars, not
+// strtof, so that the process locale cannot change what a number means.
+inline bool ParseTolerance(const std::string& text, float& tolerance, std::string& why)
+{
+    float value = 0.0f;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (text.empty() || error != std::errc() || stop != end || !std::isfinite(value)) {
+        why = "--tolerance needs a number, not \"" + text + "\"";
+        return false;
+    }
+    if (!(value > 0.0f)) {
+        why = "--tolerance must be above 0, not \"" + text + "\"";
+        return false;
+    }
+    tolerance = value;
+    return true;
+}
+
+// The segmentation flags of mesh, render and bbox, next to the load flags.
+struct SegmentationFlags {
+    std::optional<float> tolerance;
+
+    // Applies `args[i]` when it is --tolerance (taking its value); false
+    // for anything else. A bad value sets `why`.
+    bool apply(const std::vector<std::string>& args, std::size_t& i, std::string& why)
+    {
+        if (args[i] != "--tolerance")
+            return false;
+        if (i + 1 >= args.size()) {
+            why = "--tolerance needs a value";
+            return true;
+        }
+        float value = 0.0f;
+        if (ParseTolerance(args[++i], value, why))
+            tolerance = value;
+        return true;
+    }
+
+    // The flags against the load profile: --subset means the old
+    // segmentation, which has no tolerance to set.
+    bool check(const vk::svg::LoadOptions& load, std::string& why) const
+    {
+        if (tolerance && load.profile == vk::svg::LoadProfile::Subset) {
+            why = "--tolerance needs the default segmentation, not --subset";
+            return false;
+        }
+        return true;
+    }
+};
+
+// Whether the command segments faithfully: always, except under --subset,
+// which keeps the library's long-standing results exactly.
+inline bool Faithful(const vk::svg::LoadOptions& load) { return load.profile != vk::svg::LoadProfile::Subset; }
+
+// A document's segmentation, with the shapes that kept only their outline.
 struct Segmentation {
     std::unique_ptr<vk::svg::SegmenterVisitor> visitor;
     std::size_t failedShapes = 0;
+    // The walk went on past failed shapes: nothing is missing.
+    bool faithful = false;
+    // Some shapes failed, yet every shape is there.
+    bool partial() const { return faithful && failedShapes > 0; }
 };
 
-inline Segmentation SegmentTree(const vk::svg::Node& tree, std::ostream& err)
+// One line per failed shape, as `vksvg: shape <index> "<id>": <reason>`.
+inline void PrintFailures(const vk::svg::SegmenterVisitor& visitor, std::ostream& err)
+{
+    for (const vk::svg::SegmentationFailure& failure : visitor.getFailures()) {
+        err << "vksvg: shape " << failure.index;
+        if (failure.id)
+            err << " \"" << *failure.id << '"';
+        err << ": " << failure.reason << '\n';
+    }
+}
+
+// Segments `tree`: under `options` when given (failures listed on `err`),
+// else as the library always has (failures counted from its log).
+inline Segmentation SegmentTree(const vk::svg::Node& tree, std::ostream& err,
+                                const vk::svg::SegmentationOptions* options = nullptr)
 {
     Segmentation result;
     const std::shared_ptr<vk::vkLog> previous = vk::vkLog::getInstance();
     auto log = std::make_shared<vk::vkLog>();
     for (int level = 0; level <= vk::vkLog::MaxLevel; ++level)
         log->setLevelEnabled(level, level <= vk::vkLog::Error);
-    std::size_t& failed = result.failedShapes;
-    log->setSink([&failed, &err](const vk::vkLog::Entry& entry) {
+    std::size_t logged = 0;
+    log->setSink([&logged, &err](const vk::vkLog::Entry& entry) {
         if (entry.text == "Shape cannot be rendered. Only its contour will be visible.")
-            ++failed;
+            ++logged;
         err << "vksvg: " << entry.category << ": " << entry.text << '\n';
     });
     vk::vkLog::setInstance(log);
-    result.visitor = std::make_unique<vk::svg::SegmenterVisitor>(tree);
+    if (options != nullptr)
+        result.visitor = std::make_unique<vk::svg::SegmenterVisitor>(tree, *options);
+    else
+        result.visitor = std::make_unique<vk::svg::SegmenterVisitor>(tree);
     vk::vkLog::setInstance(previous);
+    if (options != nullptr) {
+        result.faithful = true;
+        result.failedShapes = result.visitor->getFailures().size();
+        PrintFailures(*result.visitor, err);
+    } else {
+        result.failedShapes = logged;
+    }
     return result;
 }
+
+// Every shape in the order the segmenter visits them: its id and the
+// transform it is drawn under.
+class ShapeWalk : private vk::svg::VisitorBase<ShapeWalk> {
+    friend class vk::svg::VisitorBase<ShapeWalk>;
+
+public:
+    struct Shape {
+        std::optional<std::string> id;
+        Wm4::Matrix3<float> transform;
+    };
+
+    explicit ShapeWalk(const vk::svg::Node& root) { walk(root, Wm4::Matrix3<float>::IDENTITY); }
+    const std::vector<Shape>& shapes() const { return mShapes; }
+
+    static bool IsShape(vk::svg::ItemType type)
+    {
+        return type == vk::svg::ItemType::Line || type == vk::svg::ItemType::Rect ||
+               type == vk::svg::ItemType::Circle || type == vk::svg::ItemType::Path;
+    }
+
+    // The number of shapes in the subtree of `item`, itself included.
+    static std::size_t CountShapes(const vk::svg::ItemInterface& item)
+    {
+        const vk::svg::ItemType type = item.getType();
+        if (IsShape(type))
+            return 1;
+        if (type != vk::svg::ItemType::Node && type != vk::svg::ItemType::Document)
+            return 0;
+        std::size_t count = 0;
+        for (const auto& child : static_cast<const vk::svg::Node&>(item).getChildren())
+            if (child != nullptr)
+                count += CountShapes(*child);
+        return count;
+    }
+
+private:
+    bool visitItem(const vk::svg::ItemInterface& item, const Wm4::Matrix3<float>& transform,
+                   const vk::svg::RenderingProperties&)
+    {
+        if (IsShape(item.getType()))
+            mShapes.push_back(Shape{item.getId(), transform});
+        return true;
+    }
+
+    std::vector<Shape> mShapes;
+};
 
 } // namespace geometry
 

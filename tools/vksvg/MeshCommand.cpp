@@ -5,8 +5,13 @@
 #include <svg/Writer.h>
 
 #include <cmath>
+#include <cstdint>
 #include <fstream>
+#include <optional>
 #include <ostream>
+#include <string>
+#include <unordered_map>
+#include <vector>
 
 namespace vksvg {
 
@@ -14,7 +19,8 @@ namespace {
 
 using vk::svg::SegmentedPrimitive;
 
-const char* const kUsage = "Usage: vksvg mesh IN -o OUT [--subset] [--lenient]   (OUT ends in .obj or .json)\n";
+const char* const kUsage =
+    "Usage: vksvg mesh IN -o OUT [--tolerance T] [--subset] [--lenient]   (OUT ends in .obj or .json)\n";
 
 enum class MeshFormat { Obj, Json };
 
@@ -62,6 +68,72 @@ void WriteObj(std::ostream& file, const vk::svg::SegmenterVisitor& visitor)
     }
 }
 
+// The object name of shape `index`: its id with blanks replaced, since an
+// OBJ name ends at the first blank, else a made-up one.
+std::string ObjectName(const std::optional<std::string>& id, std::size_t index)
+{
+    if (!id || id->empty())
+        return "shape-" + std::to_string(index);
+    std::string name = *id;
+    for (char& c : name)
+        if (c == ' ' || c == '\t' || c == '\n' || c == '\r')
+            c = '_';
+    return name;
+}
+
+// Vertices of one object, each as written once: the fill's vertices first,
+// then the outline points the fill does not already have. Keyed by the
+// written text, so that points no reader of the file could tell apart are
+// one vertex.
+class SharedVertices {
+public:
+    uint32_t add(const Wm4::Vector2<float>& p)
+    {
+        const auto [at, added] =
+            mIndex.try_emplace(mNumber(p.X()) + ' ' + mNumber(p.Y()), static_cast<uint32_t>(mLines.size()));
+        if (added)
+            mLines.push_back(at->first);
+        return at->second;
+    }
+    // "x y" of every vertex in order.
+    const std::vector<std::string>& lines() const { return mLines; }
+
+private:
+    NumberWriter mNumber;
+    std::unordered_map<std::string, uint32_t> mIndex;
+    std::vector<std::string> mLines;
+};
+
+void WriteSharedObj(std::ostream& file, const vk::svg::SegmenterVisitor& visitor,
+                    const std::vector<geometry::ShapeWalk::Shape>& shapes)
+{
+    file << "# vksvg mesh: one object per shape named by its id, each vertex once, outline as lines, fill as "
+            "triangles\n";
+    std::size_t base = 1; // OBJ vertex numbers are global and start at 1
+    std::size_t n = 0;
+    for (const auto& primitive : visitor.getSegmentedPrimitives()) {
+        file << "o " << ObjectName(n < shapes.size() ? shapes[n].id : std::nullopt, n) << '\n';
+        ++n;
+        SharedVertices vertices;
+        std::vector<uint32_t> fillVertex;
+        for (const auto& p : primitive->getTriangleVertices())
+            fillVertex.push_back(vertices.add(p));
+        std::vector<uint32_t> fill;
+        for (const uint32_t i : primitive->getTriangleIndices())
+            fill.push_back(i < fillVertex.size() ? fillVertex[i] : 0);
+        std::vector<uint32_t> outline;
+        for (const uint32_t i : primitive->getIndices())
+            outline.push_back(vertices.add(primitive->getPoints()[i]));
+        for (const std::string& xy : vertices.lines())
+            file << "v " << xy << " 0\n";
+        for (std::size_t i = 0; i + 1 < outline.size(); i += 2)
+            file << "l " << base + outline[i] << ' ' << base + outline[i + 1] << '\n';
+        for (std::size_t i = 0; i + 2 < fill.size(); i += 3)
+            file << "f " << base + fill[i] << ' ' << base + fill[i + 1] << ' ' << base + fill[i + 2] << '\n';
+        base += vertices.lines().size();
+    }
+}
+
 void WriteJsonPoints(std::ostream& file, const std::vector<Wm4::Vector2<float>>& points, const NumberWriter& number)
 {
     file << '[';
@@ -92,17 +164,60 @@ void WriteJsonColor(std::ostream& file, bool present, const Wm4::ColorRGBA& colo
          << ']';
 }
 
-void WriteJson(std::ostream& file, const vk::svg::SegmenterVisitor& visitor, std::size_t failedShapes)
+void WriteJsonString(std::ostream& file, const std::string& text)
+{
+    static const char* const kHex = "0123456789abcdef";
+    file << '"';
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (c == '"' || c == '\\')
+            file << '\\' << c;
+        else if (byte < 0x20)
+            file << "\\u00" << kHex[byte >> 4] << kHex[byte & 15];
+        else
+            file << c;
+    }
+    file << '"';
+}
+
+void WriteJsonSubpaths(std::ostream& file, const std::vector<SegmentedPrimitive::Subpath>& subpaths)
+{
+    file << '[';
+    for (std::size_t i = 0; i < subpaths.size(); ++i)
+        file << (i > 0 ? "," : "") << "{\"first\":" << subpaths[i].firstIndex << ",\"count\":" << subpaths[i].indexCount
+             << ",\"closed\":" << (subpaths[i].closed ? "true" : "false") << '}';
+    file << ']';
+}
+
+// With `shapes` (the default segmentation) every primitive also has its id
+// and subpaths, and the failed shapes are listed.
+void WriteJson(std::ostream& file, const vk::svg::SegmenterVisitor& visitor, std::size_t failedShapes,
+               const std::vector<geometry::ShapeWalk::Shape>* shapes)
 {
     const NumberWriter number;
     file << "{\"primitives\":[";
     const char* separator = "\n";
+    std::size_t n = 0;
     for (const auto& primitive : visitor.getSegmentedPrimitives()) {
         const vk::svg::RenderingProperties& properties = primitive->getProperties();
-        file << separator << "{\"points\":";
+        file << separator << '{';
+        if (shapes != nullptr) {
+            file << "\"id\":";
+            if (n < shapes->size() && (*shapes)[n].id)
+                WriteJsonString(file, *(*shapes)[n].id);
+            else
+                file << "null";
+            file << ',';
+        }
+        ++n;
+        file << "\"points\":";
         WriteJsonPoints(file, primitive->getPoints(), number);
         file << ",\"indices\":";
         WriteJsonTuples(file, primitive->getIndices(), 2);
+        if (shapes != nullptr) {
+            file << ",\"subpaths\":";
+            WriteJsonSubpaths(file, primitive->getSubpaths());
+        }
         file << ",\"triangleVertices\":";
         WriteJsonPoints(file, primitive->getTriangleVertices(), number);
         file << ",\"triangleIndices\":";
@@ -114,8 +229,25 @@ void WriteJson(std::ostream& file, const vk::svg::SegmenterVisitor& visitor, std
         file << ",\"strokeWidth\":" << number(properties.getStrokeWidth().value_or(1.0f)) << '}';
         separator = ",\n";
     }
-    file << "\n],\"failedShapes\":" << failedShapes << ",\"stopped\":" << (visitor.hasError() ? "true" : "false")
-         << "}\n";
+    file << "\n],\"failedShapes\":" << failedShapes;
+    if (shapes != nullptr) {
+        file << ",\"failures\":[";
+        const char* comma = "";
+        for (const vk::svg::SegmentationFailure& failure : visitor.getFailures()) {
+            file << comma << "{\"index\":" << failure.index << ",\"id\":";
+            if (failure.id)
+                WriteJsonString(file, *failure.id);
+            else
+                file << "null";
+            file << ",\"reason\":";
+            WriteJsonString(file, failure.reason);
+            file << '}';
+            comma = ",";
+        }
+        file << ']';
+    }
+    // Only the old segmentation stops at a failed stroked shape.
+    file << ",\"stopped\":" << (shapes == nullptr && visitor.hasError() ? "true" : "false") << "}\n";
 }
 
 } // namespace
@@ -125,16 +257,24 @@ int runMeshCommand(const std::vector<std::string>& args, std::ostream& out, std:
     std::string input;
     std::string output;
     vk::svg::LoadOptions options = DefaultLoadOptions();
-    for (std::size_t i = 0; i < args.size(); ++i) {
+    geometry::SegmentationFlags flags;
+    std::string why;
+    for (std::size_t i = 0; i < args.size() && why.empty(); ++i) {
         const std::string& arg = args[i];
         if (arg == "-o" && i + 1 < args.size() && output.empty()) {
             output = args[++i];
+        } else if (flags.apply(args, i, why)) {
+            continue;
         } else if (input.empty() && !(arg.size() > 1 && arg[0] == '-')) {
             input = arg;
         } else if (!ApplyLoadFlag(arg, options)) {
             err << kUsage;
             return UsageError;
         }
+    }
+    if (!why.empty() || !flags.check(options, why)) {
+        err << "vksvg: " << why << '\n' << kUsage;
+        return UsageError;
     }
     MeshFormat format = MeshFormat::Obj;
     if (EndsWith(output, ".json")) {
@@ -148,14 +288,25 @@ int runMeshCommand(const std::vector<std::string>& args, std::ostream& out, std:
     std::shared_ptr<vk::svg::Node> tree;
     if (!geometry::LoadTree(input, options, tree, err))
         return Failure;
-    const geometry::Segmentation segmentation = geometry::SegmentTree(*tree, err);
+    const bool faithful = geometry::Faithful(options);
+    const vk::svg::SegmentationOptions segmentationOptions =
+        vk::svg::SegmentationOptions::Faithful(flags.tolerance.value_or(geometry::kDefaultTolerance));
+    const geometry::Segmentation segmentation =
+        geometry::SegmentTree(*tree, err, faithful ? &segmentationOptions : nullptr);
     const vk::svg::SegmenterVisitor& visitor = *segmentation.visitor;
 
     std::ofstream file(output, std::ios::binary);
-    if (format == MeshFormat::Obj)
+    if (faithful) {
+        const geometry::ShapeWalk walk(*tree);
+        if (format == MeshFormat::Obj)
+            WriteSharedObj(file, visitor, walk.shapes());
+        else
+            WriteJson(file, visitor, segmentation.failedShapes, &walk.shapes());
+    } else if (format == MeshFormat::Obj) {
         WriteObj(file, visitor);
-    else
-        WriteJson(file, visitor, segmentation.failedShapes);
+    } else {
+        WriteJson(file, visitor, segmentation.failedShapes, nullptr);
+    }
     file.close();
     if (!file) {
         err << "vksvg: cannot write \"" << output << "\"\n";
@@ -172,7 +323,9 @@ int runMeshCommand(const std::vector<std::string>& args, std::ostream& out, std:
         << "Contour points: " << points << '\n'
         << "Triangles: " << triangles << '\n'
         << "Failed shapes: " << segmentation.failedShapes << '\n';
-    if (visitor.hasError()) {
+    if (segmentation.partial())
+        return PartialResult;
+    if (!faithful && visitor.hasError()) {
         out << "Segmentation stopped at a stroked shape that could not be filled; later shapes are missing.\n";
         return Failure;
     }

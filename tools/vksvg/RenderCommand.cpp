@@ -10,7 +10,9 @@
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
+#include <optional>
 #include <ostream>
+#include <sstream>
 
 namespace vksvg {
 
@@ -20,7 +22,7 @@ using vk::svg::BoundingBox;
 using vk::svg::SegmentedPrimitive;
 
 const char* const kUsage = "Usage: vksvg render IN -o OUT.png [--width W] [--height H] [--background COLOR] "
-                           "[--wireframe] [--subset] [--lenient]\n";
+                           "[--wireframe] [--tolerance T] [--subset] [--lenient]\n";
 
 constexpr int kDefaultWidth = 512;
 constexpr int kMaxSide = 16384;
@@ -33,6 +35,7 @@ struct RenderOptions {
     Wm4::Vector4<unsigned char> background{255, 255, 255, 255};
     bool wireframe = false;
     vk::svg::LoadOptions load = DefaultLoadOptions();
+    geometry::SegmentationFlags segmentation;
 };
 
 bool ParseSide(const std::string& text, int& side)
@@ -46,12 +49,16 @@ bool ParseSide(const std::string& text, int& side)
     return true;
 }
 
-bool ParseArguments(const std::vector<std::string>& args, RenderOptions& options)
+// False on a usage error; `why` then says what was wrong, when it can.
+bool ParseArguments(const std::vector<std::string>& args, RenderOptions& options, std::string& why)
 {
     for (std::size_t i = 0; i < args.size(); ++i) {
         const std::string& arg = args[i];
         const bool hasValue = i + 1 < args.size();
-        if (arg == "-o" && hasValue && options.output.empty()) {
+        if (options.segmentation.apply(args, i, why)) {
+            if (!why.empty())
+                return false;
+        } else if (arg == "-o" && hasValue && options.output.empty()) {
             options.output = args[++i];
         } else if (arg == "--width" && hasValue) {
             if (!ParseSide(args[++i], options.width))
@@ -73,7 +80,7 @@ bool ParseArguments(const std::vector<std::string>& args, RenderOptions& options
             return false;
         }
     }
-    return !options.input.empty() && !options.output.empty();
+    return !options.input.empty() && !options.output.empty() && options.segmentation.check(options.load, why);
 }
 
 // A length in pixels as an image side.
@@ -96,17 +103,28 @@ const BoundingBox* Viewbox(const vk::svg::Node& tree)
     return nullptr;
 }
 
+// Whether SourceBox needs the segmentation: neither a viewBox nor a usable
+// estimate.
+bool NeedsSegmentedBox(const vk::svg::Node& tree)
+{
+    if (Viewbox(tree) != nullptr)
+        return false;
+    BoundingBox box;
+    vk::svg::ComputeEstimatedBoundingBox(tree, box, nullptr, nullptr);
+    return !Usable(box);
+}
+
 // What the picture shows: the viewBox, else the estimated box, else
 // whatever the segmentation covers (estimates leave curves out).
-BoundingBox SourceBox(const vk::svg::Node& tree, const vk::svg::SegmenterVisitor& visitor)
+BoundingBox SourceBox(const vk::svg::Node& tree, const vk::svg::SegmenterVisitor* visitor)
 {
     if (const BoundingBox* viewbox = Viewbox(tree))
         return *viewbox;
     BoundingBox box;
     vk::svg::ComputeEstimatedBoundingBox(tree, box, nullptr, nullptr);
-    if (!Usable(box)) {
+    if (!Usable(box) && visitor != nullptr) {
         box = BoundingBox();
-        for (const auto& primitive : visitor.getSegmentedPrimitives())
+        for (const auto& primitive : visitor->getSegmentedPrimitives())
             for (const auto& p : primitive->getPoints())
                 if (std::isfinite(p.X()) && std::isfinite(p.Y()))
                     box.expandToContain(p);
@@ -192,34 +210,36 @@ void TraceContour(cairo_t* cr, const SegmentedPrimitive& primitive, bool closeLo
     }
 }
 
-// The transform of every shape, in the order the segmenter visits them, so
-// that a stroke can be drawn as wide as its own user space makes it.
-class ShapeTransforms : private vk::svg::VisitorBase<ShapeTransforms> {
-    friend class vk::svg::VisitorBase<ShapeTransforms>;
-
-public:
-    explicit ShapeTransforms(const vk::svg::Node& root) { walk(root, Wm4::Matrix3<float>::IDENTITY); }
-    const std::vector<Wm4::Matrix3<float>>& matrices() const { return mMatrices; }
-
-private:
-    bool visitItem(const vk::svg::ItemInterface& item, const Wm4::Matrix3<float>& transform,
-                   const vk::svg::RenderingProperties&)
-    {
-        switch (item.getType()) {
-        case vk::svg::ItemType::Line:
-        case vk::svg::ItemType::Rect:
-        case vk::svg::ItemType::Circle:
-        case vk::svg::ItemType::Path:
-            mMatrices.push_back(transform);
-            break;
-        default:
-            break;
+// The outline run by run as the segmentation marks them, so that an open
+// run that comes back to its start still gets caps, not a join.
+void TraceSubpaths(cairo_t* cr, const SegmentedPrimitive& primitive)
+{
+    const auto& points = primitive.getPoints();
+    const auto& indices = primitive.getIndices();
+    cairo_new_path(cr);
+    for (const SegmentedPrimitive::Subpath& run : primitive.getSubpaths()) {
+        const std::size_t end = std::min<std::size_t>(indices.size(), std::size_t(run.firstIndex) + run.indexCount);
+        bool drawing = false;
+        // A run broken by a non-finite point has no start to close to.
+        bool whole = true;
+        for (std::size_t i = run.firstIndex; i + 2 <= end; i += 2) {
+            const auto& a = points[indices[i]];
+            const auto& b = points[indices[i + 1]];
+            if (!Finite(a) || !Finite(b)) {
+                drawing = false;
+                whole = false;
+                continue;
+            }
+            if (!drawing)
+                cairo_move_to(cr, a.X(), a.Y());
+            drawing = true;
+            if (run.closed && whole && i + 2 == end)
+                cairo_close_path(cr);
+            else
+                cairo_line_to(cr, b.X(), b.Y());
         }
-        return true;
     }
-
-    std::vector<Wm4::Matrix3<float>> mMatrices;
-};
+}
 
 // With `userSpace`, the full profile's strokes: the pen is shaped by the
 // shape's transform (the contour is already mapped), loops are closed and
@@ -232,7 +252,10 @@ void StrokeContour(cairo_t* cr, const SegmentedPrimitive& primitive, const Wm4::
     const float width = properties.getStrokeWidth().value_or(1.0f);
     if (!properties.hasStroke() || !(width > 0.0f) || primitive.getIndices().size() < 2)
         return;
-    TraceContour(cr, primitive, userSpace != nullptr);
+    if (!primitive.getSubpaths().empty())
+        TraceSubpaths(cr, primitive);
+    else
+        TraceContour(cr, primitive, userSpace != nullptr);
     cairo_save(cr);
     const bool nonScaling = (properties.getVectorEffect().value_or(0) &
                              static_cast<uint32_t>(vk::svg::VectorEffect::NonScalingStroke)) != 0;
@@ -292,7 +315,10 @@ void OutlineTriangles(cairo_t* cr, const SegmentedPrimitive& primitive, double p
 int runRenderCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err)
 {
     RenderOptions options;
-    if (!ParseArguments(args, options)) {
+    std::string why;
+    if (!ParseArguments(args, options, why)) {
+        if (!why.empty())
+            err << "vksvg: " << why << '\n';
         err << kUsage;
         return UsageError;
     }
@@ -301,12 +327,25 @@ int runRenderCommand(const std::vector<std::string>& args, std::ostream& out, st
     std::shared_ptr<vk::svg::Node> tree;
     if (!geometry::LoadTree(options.input, options.load, tree, err))
         return Failure;
-    const geometry::Segmentation segmentation = geometry::SegmentTree(*tree, err);
-    const vk::svg::SegmenterVisitor& visitor = *segmentation.visitor;
+    const bool faithful = geometry::Faithful(options.load);
+    const float tolerance = options.segmentation.tolerance.value_or(geometry::kDefaultTolerance);
+
+    // The faithful segmentation's tolerance depends on the scale, which
+    // depends on the box; only a drawing without a viewBox or estimate
+    // needs a first segmentation, at the tolerance in document units, to
+    // find it.
+    std::optional<geometry::Segmentation> segmentation;
+    if (!faithful) {
+        segmentation = geometry::SegmentTree(*tree, err);
+    } else if (NeedsSegmentedBox(*tree)) {
+        const vk::svg::SegmentationOptions first = vk::svg::SegmentationOptions::Faithful(tolerance);
+        std::ostringstream quiet;
+        segmentation = geometry::SegmentTree(*tree, quiet, &first);
+    }
 
     // Keep the aspect ratio: a missing side follows from the other, and
     // with both given the drawing is fitted and centred.
-    const BoundingBox box = SourceBox(*tree, visitor);
+    const BoundingBox box = SourceBox(*tree, segmentation ? segmentation->visitor.get() : nullptr);
     const double aspect = static_cast<double>(box.getHeight()) / box.getWidth();
     int width = options.width;
     int height = options.height;
@@ -328,6 +367,16 @@ int runRenderCommand(const std::vector<std::string>& args, std::ostream& out, st
     const double scale =
         std::min(width / static_cast<double>(box.getWidth()), height / static_cast<double>(box.getHeight()));
 
+    if (faithful) {
+        const double units = tolerance / scale;
+        // A degenerate scale leaves the tolerance as given.
+        const auto inUnits = static_cast<float>(units);
+        const float documentTolerance = std::isfinite(inUnits) && inUnits > 0 ? inUnits : tolerance;
+        const vk::svg::SegmentationOptions pixelOptions = vk::svg::SegmentationOptions::Faithful(documentTolerance);
+        segmentation = geometry::SegmentTree(*tree, err, &pixelOptions);
+    }
+    const vk::svg::SegmenterVisitor& visitor = *segmentation->visitor;
+
     cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
     cairo_t* cr = cairo_create(surface);
     const auto& bg = options.background;
@@ -341,8 +390,11 @@ int runRenderCommand(const std::vector<std::string>& args, std::ostream& out, st
     cairo_translate(cr, -box.getMinPoint().X(), -box.getMinPoint().Y());
     // The subset draws every stroke at its width in the document's space.
     std::vector<Wm4::Matrix3<float>> userSpaces;
-    if (options.load.profile == vk::svg::LoadProfile::Full)
-        userSpaces = ShapeTransforms(*tree).matrices();
+    if (options.load.profile == vk::svg::LoadProfile::Full) {
+        const geometry::ShapeWalk walk(*tree);
+        for (const geometry::ShapeWalk::Shape& shape : walk.shapes())
+            userSpaces.push_back(shape.transform);
+    }
     std::size_t triangles = 0;
     std::size_t shape = 0;
     for (const auto& primitive : visitor.getSegmentedPrimitives()) {
@@ -366,8 +418,8 @@ int runRenderCommand(const std::vector<std::string>& args, std::ostream& out, st
     }
     out << "Wrote " << options.output << " (" << width << "x" << height
         << "): " << visitor.getSegmentedPrimitives().size() << " primitives, " << triangles << " triangles, "
-        << segmentation.failedShapes << " failed shapes\n";
-    return Success;
+        << segmentation->failedShapes << " failed shapes\n";
+    return segmentation->partial() ? PartialResult : Success;
 }
 
 } // namespace vksvg
