@@ -6,6 +6,8 @@ VKSVG_PACKAGES=(
   libgtest-dev libgmock-dev libbenchmark-dev
   # Clipper, which unites fill contours under their winding rule
   libpolyclipping-dev
+  # the tool's argument parser and its --json output
+  libcli11-dev nlohmann-json3-dev
   # rsvg-convert, the reference the render comparison test draws against
   librsvg2-bin
   clang-14 libclang-rt-14-dev
