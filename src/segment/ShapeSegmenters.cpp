@@ -25,8 +25,9 @@ std::shared_ptr<SegmentedPrimitive> Share(SegmentedPrimitive&& primitive)
 // The walk over a path's primitives, appending each to one contour.
 class PathContour {
 public:
-    PathContour(unsigned int segments, float tolerance, SegmentationUtils::BezierSegmentationWorkspace& workspace)
-        : mSegments(segments), mTolerance(tolerance), mWorkspace(workspace)
+    PathContour(unsigned int segments, float tolerance, SegmentationUtils::BezierSegmentationWorkspace& workspace,
+                bool closeRunsOnStart)
+        : mSegments(segments), mTolerance(tolerance), mWorkspace(workspace), mCloseRunsOnStart(closeRunsOnStart)
     {
     }
 
@@ -38,6 +39,8 @@ public:
         // the next one does, rather than joining the previous subpath.
         newContour = newContour || mPendingNewContour || points.empty();
         mPendingNewContour = false;
+        if (newContour && before > 0)
+            closeRun();
         switch (primitive.type) {
         case PathPrimitive::Line:
             addLine(static_cast<const PathLine&>(primitive), newContour);
@@ -54,9 +57,15 @@ public:
             break;
         }
         mPendingNewContour = newContour && points.size() == before;
+        if (newContour && points.size() > before)
+            mRunStart = before;
     }
 
-    SegmentedPrimitive& contour() { return mContour; }
+    SegmentedPrimitive& contour()
+    {
+        closeRun();
+        return mContour;
+    }
 
     // Room for the most that `commands` can add, so that the contour is not
     // copied over and over while it grows. A step count too large to be
@@ -135,11 +144,34 @@ private:
         }
     }
 
+    // In a contour to be filled, a run that comes back exactly to where it
+    // started (a close path, or a last line or curve ending on the first
+    // point) ends on the first point's index. Ending on a copy of it leaves
+    // the loop closed only by coordinates: when the edge before that copy
+    // is short, cleanup merges the copy into a point next to the start, the
+    // loop opens by that hair's breadth and the shape fills nothing. The
+    // copy stays in the point list, and outlines that are not filled keep
+    // the copy's index, so that only fills see a difference.
+    void closeRun()
+    {
+        if (!mCloseRunsOnStart)
+            return;
+        const std::vector<V2>& points = mContour.getPoints();
+        std::vector<uint32_t>& indices = mContour.editIndices();
+        if (indices.empty() || points.size() < mRunStart + 3)
+            return;
+        const std::size_t last = points.size() - 1;
+        if (indices.back() == last && points[last] == points[mRunStart])
+            indices.back() = static_cast<uint32_t>(mRunStart);
+    }
+
     unsigned int mSegments;
     float mTolerance;
     SegmentationUtils::BezierSegmentationWorkspace& mWorkspace;
     SegmentedPrimitive mContour;
     bool mPendingNewContour = false;
+    std::size_t mRunStart = 0;
+    bool mCloseRunsOnStart;
 };
 
 } // namespace
@@ -209,7 +241,8 @@ std::shared_ptr<SegmentedPrimitive> SegmentPath(const Path& path, unsigned int s
                                                 SegmentationUtils::BezierSegmentationWorkspace* workspace, bool* error)
 {
     SegmentationUtils::BezierSegmentationWorkspace ownWorkspace;
-    PathContour contour(segments, tolerance, workspace != nullptr ? *workspace : ownWorkspace);
+    PathContour contour(segments, tolerance, workspace != nullptr ? *workspace : ownWorkspace,
+                        properties != nullptr && properties->hasFill());
     contour.reserveFor(path.getCommands());
     PathVisitorCommandsToPrimitives visitor(path.getCommands(),
                                             [&contour](std::unique_ptr<PathPrimitive>& primitive, bool newContour) {
