@@ -6,7 +6,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/deps.sh
-vksvg_install_deps
+vksvg_install_deps --test
 vksvg_make_test_locale
 
 build=build-test
@@ -27,11 +27,30 @@ cmake -S . -B "$fuzz" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMPILER=clang
 cmake --build "$fuzz" -j"$jobs"
 ctest --test-dir "$fuzz" --output-on-failure -j"$jobs"
 
+# The installed package must work wherever its tree ends up: install to one
+# prefix, move the tree, and build the example host against the moved copy
+# through CMake's find_package and through pkg-config.
 prefix="$PWD/$build/prefix"
-rm -rf "$prefix"
+moved="$PWD/$build/moved/prefix"
+rm -rf "$prefix" "$PWD/$build/moved"
 cmake --install "$build" --prefix "$prefix" >/dev/null
-cmake -S examples/host -B "$build/host" -DCMAKE_PREFIX_PATH="$prefix" \
+mkdir -p "$(dirname "$moved")"
+mv "$prefix" "$moved"
+
+cmake -S examples/host -B "$build/host" -DCMAKE_PREFIX_PATH="$moved" \
   -DCMAKE_CXX_FLAGS="$sanitize" -DCMAKE_EXE_LINKER_FLAGS="$sanitize"
 cmake --build "$build/host" -j"$jobs"
 "$build/host/vksvg-host"
-echo "Example host built and ran against the installed package."
+echo "Example host built with find_package against the moved package and ran."
+
+pcdir=$(dirname "$(find "$moved" -name vkSvg.pc | head -n 1)")
+libdir=$(PKG_CONFIG_PATH="$pcdir" pkg-config --variable=libdir vkSvg)
+case "$libdir" in
+  "$moved"/*) ;;
+  *) echo "pkg-config gives libdir $libdir, outside the moved package" >&2; exit 1 ;;
+esac
+# shellcheck disable=SC2046
+c++ -std=c++17 $sanitize examples/host/main.cpp -o "$build/host/vksvg-host-pc" \
+  $(PKG_CONFIG_PATH="$pcdir" pkg-config --cflags --libs vkSvg) -Wl,-rpath,"$libdir"
+"$build/host/vksvg-host-pc"
+echo "Example host built with pkg-config against the moved package and ran."
