@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <new>
 #include <set>
 #include <utility>
 
@@ -62,12 +63,96 @@ struct Region {
     int32_t b = -1;
 };
 
+// An edge's end points beside it, so that ordering the status reads one
+// record per edge instead of chasing edge then vertices.
+struct Segment {
+    GridPoint lo;
+    GridPoint hi;
+};
+
+// Fixed-size blocks for the status tree's nodes, recycled through a free
+// list: a sweep inserts and erases a node at nearly every event.
+class NodePool {
+public:
+    NodePool() = default;
+    NodePool(const NodePool&) = delete;
+    NodePool& operator=(const NodePool&) = delete;
+    ~NodePool()
+    {
+        for (void* chunk : mChunks) {
+            ::operator delete(chunk);
+        }
+    }
+
+    void* Take(size_t size)
+    {
+        if (mFree) {
+            void* block = mFree;
+            mFree = *static_cast<void**>(mFree);
+            return block;
+        }
+        const size_t stride = std::max(RoundUp(size), sizeof(void*));
+        if (mLeft < stride) {
+            const size_t bytes = stride * std::max<size_t>(64, mBlocks);
+            mNext = static_cast<char*>(::operator new(bytes));
+            mChunks.push_back(mNext);
+            mLeft = bytes;
+        }
+        void* block = mNext;
+        mNext += stride;
+        mLeft -= stride;
+        ++mBlocks;
+        return block;
+    }
+
+    void Give(void* block)
+    {
+        *static_cast<void**>(block) = mFree;
+        mFree = block;
+    }
+
+private:
+    static size_t RoundUp(size_t size) { return (size + alignof(std::max_align_t) - 1) & ~(alignof(std::max_align_t) - 1); }
+
+    std::vector<void*> mChunks;
+    void* mFree = nullptr;
+    char* mNext = nullptr;
+    size_t mLeft = 0;
+    size_t mBlocks = 0;
+};
+
+template <class T> struct PoolAllocator {
+    using value_type = T;
+    NodePool* pool;
+
+    explicit PoolAllocator(NodePool* p) : pool(p) {}
+    template <class U> PoolAllocator(const PoolAllocator<U>& other) : pool(other.pool) {}
+
+    T* allocate(size_t n)
+    {
+        if (n != 1) {
+            return static_cast<T*>(::operator new(n * sizeof(T)));
+        }
+        return static_cast<T*>(pool->Take(sizeof(T)));
+    }
+    void deallocate(T* p, size_t n)
+    {
+        if (n != 1) {
+            ::operator delete(p);
+        } else {
+            pool->Give(p);
+        }
+    }
+    template <class U> bool operator==(const PoolAllocator<U>& other) const { return pool == other.pool; }
+    template <class U> bool operator!=(const PoolAllocator<U>& other) const { return pool != other.pool; }
+};
+
 class Sweep {
 public:
     Sweep(const std::vector<GridPoint>& vertices, std::vector<Edge>& edges, std::vector<uint32_t>& triangles,
           WindingRule rule, bool stopAtCrossing)
         : mV(vertices), mEdges(edges), mTriangles(triangles), mRule(rule), mStopAtCrossing(stopAtCrossing),
-          mStatus(EdgeLess{this}), mWhere(edges.size()), mRegion(edges.size())
+          mStatus(EdgeLess{this}, PoolAllocator<StatusKey>(&mPool)), mWhere(edges.size()), mRegion(edges.size())
     {
     }
 
@@ -81,16 +166,23 @@ private:
         uint32_t vertex;
     };
 
+    // The edge of a status node. It may be swapped for an edge that takes
+    // exactly its place in the order (one ending at a vertex, the next one
+    // starting there), which saves an erase and an insert.
+    struct StatusKey {
+        mutable uint32_t e;
+    };
+
     struct EdgeLess {
         using is_transparent = void;
         const Sweep* s;
-        bool operator()(uint32_t a, uint32_t b) const { return s->EdgeLeftOf(a, b); }
-        bool operator()(uint32_t e, Probe p) const { return s->Orient3(s->mEdges[e], p.vertex) < 0; }
-        bool operator()(Probe p, uint32_t e) const { return s->Orient3(s->mEdges[e], p.vertex) > 0; }
+        bool operator()(StatusKey a, StatusKey b) const { return s->EdgeLeftOf(a.e, b.e); }
+        bool operator()(StatusKey k, Probe p) const { return s->Orient3(k.e, p.vertex) < 0; }
+        bool operator()(Probe p, StatusKey k) const { return s->Orient3(k.e, p.vertex) > 0; }
     };
-    using Status = std::set<uint32_t, EdgeLess>;
+    using Status = std::set<StatusKey, EdgeLess, PoolAllocator<StatusKey>>;
 
-    int64_t Orient3(const Edge& e, uint32_t v) const { return Orient(mV[e.lo], mV[e.hi], mV[v]); }
+    int64_t Orient3(uint32_t e, uint32_t v) const { return Orient(mSeg[e].lo, mSeg[e].hi, mV[v]); }
 
     // Order of two edges that both cross the sweep line, tested where the
     // later of the two starts; they do not cross, so it holds for both lives.
@@ -99,20 +191,22 @@ private:
         if (a == b) {
             return false;
         }
-        const Edge& ea = mEdges[a];
-        const Edge& eb = mEdges[b];
+        // Vertices are numbered in sweep order and one per position, so
+        // comparing lower ends by position is comparing them by number.
+        const Segment& sa = mSeg[a];
+        const Segment& sb = mSeg[b];
         int64_t o = 0;
-        if (ea.lo == eb.lo) {
-            o = Orient(mV[ea.lo], mV[ea.hi], mV[eb.hi]);
-        } else if (ea.lo < eb.lo) {
-            o = Orient3(ea, eb.lo);
+        if (sa.lo == sb.lo) {
+            o = Orient(sa.lo, sa.hi, sb.hi);
+        } else if (SweepLess(sa.lo, sb.lo)) {
+            o = Orient(sa.lo, sa.hi, sb.lo);
             if (o == 0) {
-                o = Orient3(ea, eb.hi);
+                o = Orient(sa.lo, sa.hi, sb.hi);
             }
         } else {
-            o = -Orient3(eb, ea.lo);
+            o = -Orient(sb.lo, sb.hi, sa.lo);
             if (o == 0) {
-                o = -Orient3(eb, ea.hi);
+                o = -Orient(sb.lo, sb.hi, sa.hi);
             }
         }
         return o != 0 ? o < 0 : a < b;
@@ -126,15 +220,21 @@ private:
         if (a == mStatus.end() || b == mStatus.end()) {
             return;
         }
-        const Edge& ea = mEdges[*a];
-        const Edge& eb = mEdges[*b];
-        const int o1 = Sign(Orient3(ea, eb.lo));
-        const int o2 = Sign(Orient3(ea, eb.hi));
-        const int o3 = Sign(Orient3(eb, ea.lo));
-        const int o4 = Sign(Orient3(eb, ea.hi));
+        const Segment& sa = mSeg[a->e];
+        const Segment& sb = mSeg[b->e];
+        const int o1 = Sign(Orient(sa.lo, sa.hi, sb.lo));
+        const int o2 = Sign(Orient(sa.lo, sa.hi, sb.hi));
+        if (o1 * o2 > 0) {
+            return;
+        }
+        const int o3 = Sign(Orient(sb.lo, sb.hi, sa.lo));
+        const int o4 = Sign(Orient(sb.lo, sb.hi, sa.hi));
         if ((o1 * o2 < 0 && o3 * o4 < 0) || (o1 == 0 && o2 == 0 && o3 == 0 && o4 == 0)) {
             // A rounded touch, which the event at the vertex will cut.
-            const bool touch = Near(*a, eb.lo) || Near(*a, eb.hi) || Near(*b, ea.lo) || Near(*b, ea.hi);
+            const Edge& ea = mEdges[a->e];
+            const Edge& eb = mEdges[b->e];
+            const bool touch =
+                Near(a->e, eb.lo) || Near(a->e, eb.hi) || Near(b->e, ea.lo) || Near(b->e, ea.hi);
             mCrossed = mCrossed || !touch;
         }
     }
@@ -147,10 +247,10 @@ private:
         if (!mSnap) {
             return false;
         }
-        const Edge& edge = mEdges[e];
-        const double dx = double(mV[edge.hi].x - mV[edge.lo].x);
-        const double dy = double(mV[edge.hi].y - mV[edge.lo].y);
-        const double o = double(Orient3(edge, v));
+        const Segment& s = mSeg[e];
+        const double dx = double(s.hi.x - s.lo.x);
+        const double dy = double(s.hi.y - s.lo.y);
+        const double o = double(Orient3(e, v));
         return 2.0 * o * o <= dx * dx + dy * dy;
     }
 
@@ -317,6 +417,8 @@ private:
     bool mSnap = !mStopAtCrossing;
     bool mCrossed = false;
     bool mInnerEdges = false;
+    std::vector<Segment> mSeg;
+    NodePool mPool;
     Status mStatus;
     std::vector<Status::iterator> mWhere;
     std::vector<Region> mRegion;
@@ -339,7 +441,7 @@ void Sweep::Event(uint32_t v)
 
     // The edges that end at v, or pass through it, are neighbours in the
     // status; find them around any one of them or around v's position.
-    const auto meets = [&](uint32_t e) { return mEdges[e].hi == v || Orient3(mEdges[e], v) == 0 || Near(e, v); };
+    const auto meets = [&](StatusKey k) { return mEdges[k.e].hi == v || Orient3(k.e, v) == 0 || Near(k.e, v); };
     Status::iterator first = downBegin != downEnd ? mWhere[*downBegin] : mStatus.lower_bound(Probe{v});
     Status::iterator last = first;
     if (first == mStatus.end() || !meets(*first)) {
@@ -364,7 +466,7 @@ void Sweep::Event(uint32_t v)
         rightIt = std::next(last);
         leftIt = first == mStatus.begin() ? mStatus.end() : std::prev(first);
         for (auto it = first; it != rightIt; ++it) {
-            mDownBlock.push_back(*it);
+            mDownBlock.push_back(it->e);
         }
         for (uint32_t& e : mDownBlock) {
             if (mEdges[e].hi != v) {
@@ -374,15 +476,15 @@ void Sweep::Event(uint32_t v)
                 const auto f = static_cast<uint32_t>(mEdges.size());
                 mEdges.push_back(mEdges[e]);
                 mEdges.back().hi = v;
-                mWhere.emplace_back();
+                mSeg.push_back({mSeg[e].lo, mV[v]});
+                mWhere.push_back(mWhere[e]);
                 mRegion.push_back(mRegion[e]);
                 mInBlock.push_back(0);
                 mRegion[e] = Region{};
                 mEdges[e].lo = v;
+                mSeg[e].lo = mV[v];
                 mUps.push_back(e);
-                const auto next = std::next(mWhere[e]);
-                mStatus.erase(mWhere[e]);
-                mWhere[f] = mStatus.emplace_hint(next, f);
+                mWhere[f]->e = f;
                 e = f;
             }
             mInBlock[e] = 1;
@@ -402,17 +504,19 @@ void Sweep::Event(uint32_t v)
         rightIt = last;
         leftIt = rightIt == mStatus.begin() ? mStatus.end() : std::prev(rightIt);
     }
-    std::sort(mUps.begin(), mUps.end(), [&](uint32_t a, uint32_t b) {
-        const int64_t o = Orient(mV[v], mV[mEdges[a].hi], mV[mEdges[b].hi]);
-        return o != 0 ? o < 0 : a < b;
-    });
+    if (mUps.size() > 1) {
+        std::sort(mUps.begin(), mUps.end(), [&](uint32_t a, uint32_t b) {
+            const int64_t o = Orient(mV[v], mSeg[a].hi, mSeg[b].hi);
+            return o != 0 ? o < 0 : a < b;
+        });
+    }
 
     const size_t k = mDownBlock.size();
     const size_t m = mUps.size();
     if (k == 0 && m == 0) {
         return; // every edge here cancelled out
     }
-    const uint32_t left = leftIt == mStatus.end() ? kNone : *leftIt;
+    const uint32_t left = leftIt == mStatus.end() ? kNone : leftIt->e;
     const bool insideLeft = left != kNone && mEdges[left].inside;
 
     // The new edges' winding numbers, counted on from the left.
@@ -480,12 +584,20 @@ void Sweep::Event(uint32_t v)
         }
     }
 
-    for (uint32_t e : mDownBlock) {
+    // The new edges take the old ones' places in order, reusing their nodes.
+    const size_t reuse = std::min(k, m);
+    for (size_t j = 0; j < k; ++j) {
+        const uint32_t e = mDownBlock[j];
         mInBlock[e] = 0;
-        mStatus.erase(mWhere[e]);
+        if (j < reuse) {
+            mWhere[mUps[j]] = mWhere[e];
+            mWhere[e]->e = mUps[j];
+        } else {
+            mStatus.erase(mWhere[e]);
+        }
     }
-    for (uint32_t e : mUps) {
-        mWhere[e] = mStatus.emplace_hint(rightIt, e);
+    for (size_t j = reuse; j < m; ++j) {
+        mWhere[mUps[j]] = mStatus.emplace_hint(rightIt, StatusKey{mUps[j]});
     }
     if (m == 0) {
         CheckPair(leftIt, rightIt);
@@ -522,6 +634,10 @@ bool Sweep::Run()
         }
     }
     mInBlock.assign(mEdges.size(), 0);
+    mSeg.resize(mEdges.size());
+    for (size_t e = 0; e < mEdges.size(); ++e) {
+        mSeg[e] = {mV[mEdges[e].lo], mV[mEdges[e].hi]};
+    }
     const auto n = static_cast<uint32_t>(mV.size());
     for (uint32_t v = 0; v < n && !(mCrossed && mStopAtCrossing); ++v) {
         Event(v);
