@@ -1,5 +1,7 @@
 #include "tessellate/MonotoneTriangulation.h"
 
+#include "tessellate/RadixSort.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
@@ -441,7 +443,8 @@ void Sweep::Event(uint32_t v)
 
     // The edges that end at v, or pass through it, are neighbours in the
     // status; find them around any one of them or around v's position.
-    const auto meets = [&](StatusKey k) { return mEdges[k.e].hi == v || Orient3(k.e, v) == 0 || Near(k.e, v); };
+    const GridPoint& at = mV[v];
+    const auto meets = [&](StatusKey k) { return mSeg[k.e].hi == at || Orient3(k.e, v) == 0 || Near(k.e, v); };
     Status::iterator first = downBegin != downEnd ? mWhere[*downBegin] : mStatus.lower_bound(Probe{v});
     Status::iterator last = first;
     if (first == mStatus.end() || !meets(*first)) {
@@ -469,7 +472,7 @@ void Sweep::Event(uint32_t v)
             mDownBlock.push_back(it->e);
         }
         for (uint32_t& e : mDownBlock) {
-            if (mEdges[e].hi != v) {
+            if (!(mSeg[e].hi == at)) {
                 // v touches the edge inside: cut it there. The lower part
                 // takes a new id and the edge's place; the upper part keeps
                 // the id, so that its upper end still finds it.
@@ -647,58 +650,66 @@ bool Sweep::Run()
 
 } // namespace
 
-void TriangulateRings(const std::vector<std::vector<GridPoint>>& rings, WindingRule rule, bool stopAtCrossing,
-                      RingTriangulation& out)
+void TriangulateRings(const RingSet& rings, WindingRule rule, bool stopAtCrossing, RingTriangulation& out)
 {
     out.vertices.clear();
     out.indices.clear();
     out.consistent = true;
     out.crossed = false;
 
-    // One vertex per position, numbered in sweep order.
-    struct Slot {
-        GridPoint p;
-        uint32_t index;
-    };
-    std::vector<Slot> slots;
-    size_t total = 0;
-    for (const auto& ring : rings) {
-        total += ring.size();
+    // One vertex per position, numbered in sweep order: y, then x, packed
+    // into one key from the bounding box's corner.
+    const size_t total = rings.points.size();
+    if (total == 0) {
+        return;
     }
-    slots.reserve(total);
-    for (const auto& ring : rings) {
-        for (const GridPoint& p : ring) {
-            slots.push_back({p, static_cast<uint32_t>(slots.size())});
-        }
+    int64_t minX = rings.points[0].x;
+    int64_t maxX = minX;
+    int64_t minY = rings.points[0].y;
+    for (const GridPoint& p : rings.points) {
+        minX = std::min(minX, p.x);
+        maxX = std::max(maxX, p.x);
+        minY = std::min(minY, p.y);
     }
-    std::sort(slots.begin(), slots.end(), [](const Slot& a, const Slot& b) { return SweepLess(a.p, b.p); });
+    int xBits = 0;
+    while (xBits < 63 && (uint64_t(maxX - minX) >> xBits) != 0) {
+        ++xBits;
+    }
+    std::vector<KeyedIndex> keyed(total);
+    for (size_t i = 0; i < total; ++i) {
+        const GridPoint& p = rings.points[i];
+        keyed[i] = {(uint64_t(p.y - minY) << xBits) | uint64_t(p.x - minX), static_cast<uint32_t>(i)};
+    }
+    {
+        std::vector<KeyedIndex> scratch;
+        RadixSortByKey(keyed, scratch);
+    }
     std::vector<uint32_t> vertexOf(total);
     std::vector<GridPoint> vertices;
     vertices.reserve(total);
-    for (const Slot& s : slots) {
-        if (vertices.empty() || !(vertices.back() == s.p)) {
-            vertices.push_back(s.p);
+    for (size_t i = 0; i < total; ++i) {
+        if (i == 0 || keyed[i].key != keyed[i - 1].key) {
+            vertices.push_back(rings.points[keyed[i].index]);
         }
-        vertexOf[s.index] = static_cast<uint32_t>(vertices.size() - 1);
+        vertexOf[keyed[i].index] = static_cast<uint32_t>(vertices.size() - 1);
     }
-    slots.clear();
-    slots.shrink_to_fit();
+    keyed.clear();
+    keyed.shrink_to_fit();
 
     // Edges from lower to upper vertex, repeats merged into one edge whose
     // winding step is their sum; zero-length edges and zero steps go.
     std::vector<Edge> edges;
     edges.reserve(total);
-    size_t base = 0;
-    for (const auto& ring : rings) {
-        const size_t n = ring.size();
-        for (size_t i = 0; i < n; ++i) {
-            uint32_t a = vertexOf[base + i];
-            uint32_t b = vertexOf[base + (i + 1) % n];
+    uint32_t begin = 0;
+    for (const uint32_t end : rings.ends) {
+        for (uint32_t i = begin; i < end; ++i) {
+            const uint32_t a = vertexOf[i];
+            const uint32_t b = vertexOf[i + 1 < end ? i + 1 : begin];
             if (a != b) {
                 edges.push_back({std::min(a, b), std::max(a, b), a < b ? -1 : 1, 0, false, false});
             }
         }
-        base += n;
+        begin = end;
     }
     vertexOf.clear();
     vertexOf.shrink_to_fit();
@@ -749,7 +760,7 @@ void TriangulateRings(const std::vector<std::vector<GridPoint>>& rings, WindingR
     }
 
     std::vector<uint32_t> triangles;
-    triangles.reserve(3 * (edges.size() + 2 * rings.size()));
+    triangles.reserve(3 * (edges.size() + 2 * rings.ends.size()));
     bool inner = false;
     {
         Sweep sweep(vertices, edges, triangles, rule, stopAtCrossing);

@@ -44,6 +44,13 @@ struct GridPoint {
 
 inline bool operator==(const GridPoint& a, const GridPoint& b) { return a.x == b.x && a.y == b.y; }
 
+// Closed rings back to back: ring i runs over points[ends[i - 1]] up to
+// points[ends[i]] (from 0 for the first), its last point joining its first.
+struct RingSet {
+    std::vector<GridPoint> points;
+    std::vector<uint32_t> ends;
+};
+
 struct RingTriangulation {
     // Distinct positions, each used by at least one triangle.
     std::vector<GridPoint> vertices;
@@ -58,8 +65,7 @@ struct RingTriangulation {
 // Triangulates what the closed rings cover under `rule`, as long as no two
 // edges cross (touching is fine). Coordinates must lie within +-2^29 so that
 // the orientation products fit 64 bits.
-void TriangulateRings(const std::vector<std::vector<GridPoint>>& rings, WindingRule rule, bool stopAtCrossing,
-                      RingTriangulation& out);
+void TriangulateRings(const RingSet& rings, WindingRule rule, bool stopAtCrossing, RingTriangulation& out);
 
 } // namespace vk::svg::impl
 

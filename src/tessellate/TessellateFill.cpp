@@ -43,35 +43,64 @@ ClipperLib::PolyFillType FillType(WindingRule rule)
     }
 }
 
+// The caller's contours as nested vectors.
+struct NestedContours {
+    const std::vector<std::vector<V2>>& contours;
+
+    size_t Count() const { return contours.size(); }
+    size_t Size(size_t c) const { return contours[c].size(); }
+    const V2& At(size_t c, size_t i) const { return contours[c][i]; }
+};
+
+// Loops chained from an edge list: point indices back to back, each loop
+// ending before ends[loop].
+struct ChainedContours {
+    const std::vector<V2>& points;
+    std::vector<uint32_t> order;
+    std::vector<uint32_t> ends;
+
+    size_t Count() const { return ends.size(); }
+    size_t Begin(size_t c) const { return c == 0 ? 0 : ends[c - 1]; }
+    size_t Size(size_t c) const { return ends[c] - Begin(c); }
+    const V2& At(size_t c, size_t i) const { return points[order[Begin(c) + i]]; }
+};
+
 // Snaps the contours to a grid of `spacing` and triangulates them directly
 // when no edges cross, which is the common case and avoids Clipper's sweep
 // (quadratic when many edges are active at once); otherwise unites them with
 // Clipper first. False when Clipper gives up.
-bool FillOnGrid(const std::vector<std::vector<V2>>& contours, WindingRule rule, double spacing,
-                impl::RingTriangulation& result)
+template <class Contours>
+bool FillOnGrid(const Contours& contours, WindingRule rule, double spacing, impl::RingTriangulation& result)
 {
     const double scale = 1.0 / spacing;
-    std::vector<std::vector<GridPoint>> rings;
-    rings.reserve(contours.size());
-    for (const auto& contour : contours) {
-        std::vector<GridPoint> ring;
-        ring.reserve(contour.size());
-        for (const V2& p : contour) {
+    impl::RingSet rings;
+    size_t total = 0;
+    for (size_t c = 0; c < contours.Count(); ++c) {
+        total += contours.Size(c);
+    }
+    rings.points.reserve(total);
+    for (size_t c = 0; c < contours.Count(); ++c) {
+        const size_t begin = rings.points.size();
+        const size_t n = contours.Size(c);
+        for (size_t i = 0; i < n; ++i) {
+            const V2& p = contours.At(c, i);
             const GridPoint q{int64_t(std::nearbyint(double(p.X()) * scale)),
                               int64_t(std::nearbyint(double(p.Y()) * scale))};
-            if (ring.empty() || !(ring.back() == q)) {
-                ring.push_back(q);
+            if (rings.points.size() == begin || !(rings.points.back() == q)) {
+                rings.points.push_back(q);
             }
         }
-        while (ring.size() > 1 && ring.front() == ring.back()) {
-            ring.pop_back();
+        while (rings.points.size() > begin + 1 && rings.points[begin] == rings.points.back()) {
+            rings.points.pop_back();
         }
-        if (ring.size() >= 3) {
-            rings.push_back(std::move(ring));
+        if (rings.points.size() >= begin + 3) {
+            rings.ends.push_back(static_cast<uint32_t>(rings.points.size()));
+        } else {
+            rings.points.resize(begin);
         }
     }
     result = impl::RingTriangulation{};
-    if (rings.empty()) {
+    if (rings.ends.empty()) {
         return true;
     }
     impl::TriangulateRings(rings, rule, true, result);
@@ -79,14 +108,14 @@ bool FillOnGrid(const std::vector<std::vector<V2>>& contours, WindingRule rule, 
         return true;
     }
 
-    ClipperLib::Paths paths(rings.size());
-    for (size_t i = 0; i < rings.size(); ++i) {
-        paths[i].reserve(rings[i].size());
-        for (const GridPoint& p : rings[i]) {
-            paths[i].emplace_back(p.x, p.y);
+    ClipperLib::Paths paths(rings.ends.size());
+    for (size_t r = 0, begin = 0; r < rings.ends.size(); begin = rings.ends[r++]) {
+        paths[r].reserve(rings.ends[r] - begin);
+        for (size_t i = begin; i < rings.ends[r]; ++i) {
+            paths[r].emplace_back(rings.points[i].x, rings.points[i].y);
         }
     }
-    rings.clear();
+    rings = impl::RingSet{};
     ClipperLib::Paths solution;
     try {
         ClipperLib::Clipper clipper;
@@ -101,15 +130,13 @@ bool FillOnGrid(const std::vector<std::vector<V2>>& contours, WindingRule rule, 
     paths.clear();
     paths.shrink_to_fit();
     for (const auto& path : solution) {
-        std::vector<GridPoint> ring;
-        ring.reserve(path.size());
         for (const auto& p : path) {
             if (std::abs(p.X) >= kTriangulationLimit || std::abs(p.Y) >= kTriangulationLimit) {
                 return false;
             }
-            ring.push_back({p.X, p.Y});
+            rings.points.push_back({p.X, p.Y});
         }
-        rings.push_back(std::move(ring));
+        rings.ends.push_back(static_cast<uint32_t>(rings.points.size()));
     }
     solution.clear();
     solution.shrink_to_fit();
@@ -125,12 +152,13 @@ float ToFloat(int64_t k, double spacing)
     return float(std::clamp(value, -double(FLT_MAX), double(FLT_MAX)));
 }
 
-bool Fill(const std::vector<std::vector<V2>>& contours, WindingRule rule, FillMesh& mesh, std::string* error)
+template <class Contours>
+bool Fill(const Contours& contours, WindingRule rule, FillMesh& mesh, std::string* error)
 {
     double largest = 0.0;
-    for (size_t c = 0; c < contours.size(); ++c) {
-        for (size_t i = 0; i < contours[c].size(); ++i) {
-            const V2& p = contours[c][i];
+    for (size_t c = 0; c < contours.Count(); ++c) {
+        for (size_t i = 0; i < contours.Size(c); ++i) {
+            const V2& p = contours.At(c, i);
             if (!std::isfinite(p.X()) || !std::isfinite(p.Y())) {
                 SetError(error, "Contour " + std::to_string(c) + " point " + std::to_string(i) + " is not finite");
                 return false;
@@ -186,7 +214,7 @@ bool TessellateFill(const std::vector<std::vector<Wm4::Vector2<float>>>& contour
     mesh.vertices.clear();
     mesh.indices.clear();
     try {
-        return Fill(contours, rule, mesh, error);
+        return Fill(NestedContours{contours}, rule, mesh, error);
     } catch (const std::bad_alloc&) {
         mesh = FillMesh{};
         SetError(error, "Out of memory while filling");
@@ -223,31 +251,37 @@ bool TessellateFill(const std::vector<Wm4::Vector2<float>>& points, const std::v
     }
     try {
         // Follow each edge by the next one in the list when that starts where
-        // it ends, otherwise by any unused edge that does.
+        // it ends, otherwise by any unused edge that does. Segmentation lists
+        // its loops edge after edge, so the index of edges by start point is
+        // only built when that fails.
         const size_t count = edges.size() / 2;
-        std::vector<uint32_t> start(points.size() + 1, 0);
-        for (size_t k = 0; k < count; ++k) {
-            ++start[edges[2 * k] + 1];
-        }
-        for (size_t i = 0; i < points.size(); ++i) {
-            start[i + 1] += start[i];
-        }
-        std::vector<uint32_t> byStart(count);
-        {
-            std::vector<uint32_t> fillAt(start.begin(), start.end() - 1);
+        std::vector<uint32_t> start;
+        std::vector<uint32_t> byStart;
+        std::vector<uint32_t> cursor;
+        const auto index = [&]() {
+            start.assign(points.size() + 1, 0);
             for (size_t k = 0; k < count; ++k) {
-                byStart[fillAt[edges[2 * k]]++] = uint32_t(k);
+                ++start[edges[2 * k] + 1];
             }
-        }
-        std::vector<uint32_t> cursor(start.begin(), start.end() - 1);
+            for (size_t i = 0; i < points.size(); ++i) {
+                start[i + 1] += start[i];
+            }
+            byStart.resize(count);
+            cursor.assign(start.begin(), start.end() - 1);
+            for (size_t k = 0; k < count; ++k) {
+                byStart[cursor[edges[2 * k]]++] = uint32_t(k);
+            }
+            cursor.assign(start.begin(), start.end() - 1);
+        };
         std::vector<char> used(count, 0);
-        std::vector<std::vector<V2>> contours;
+        ChainedContours contours{points, {}, {}};
+        contours.order.reserve(count);
         for (size_t first = 0; first < count; ++first) {
             if (used[first]) {
                 continue;
             }
             const uint32_t origin = edges[2 * first];
-            std::vector<V2> contour{points[origin]};
+            contours.order.push_back(origin);
             size_t k = first;
             while (true) {
                 used[k] = 1;
@@ -255,11 +289,14 @@ bool TessellateFill(const std::vector<Wm4::Vector2<float>>& points, const std::v
                 if (end == origin) {
                     break;
                 }
-                contour.push_back(points[end]);
+                contours.order.push_back(end);
                 size_t next = count;
                 if (k + 1 < count && !used[k + 1] && edges[2 * (k + 1)] == end) {
                     next = k + 1;
                 } else {
+                    if (start.empty()) {
+                        index();
+                    }
                     uint32_t& c = cursor[end];
                     while (c < start[end + 1] && used[byStart[c]]) {
                         ++c;
@@ -273,12 +310,16 @@ bool TessellateFill(const std::vector<Wm4::Vector2<float>>& points, const std::v
                 }
                 k = next;
             }
-            contours.push_back(std::move(contour));
+            contours.ends.push_back(static_cast<uint32_t>(contours.order.size()));
         }
-        return TessellateFill(contours, rule, mesh, error);
+        return Fill(contours, rule, mesh, error);
     } catch (const std::bad_alloc&) {
         mesh = FillMesh{};
         SetError(error, "Out of memory while filling");
+        return false;
+    } catch (const std::exception& e) {
+        mesh = FillMesh{};
+        SetError(error, std::string("Filling failed: ") + e.what());
         return false;
     }
 }
