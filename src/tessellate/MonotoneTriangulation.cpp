@@ -168,19 +168,28 @@ private:
         uint32_t vertex;
     };
 
-    // The edge of a status node. It may be swapped for an edge that takes
-    // exactly its place in the order (one ending at a vertex, the next one
-    // starting there), which saves an erase and an insert.
+    // The edge of a status node, with its end points in the node so that a
+    // descent loads one record per level. A node may be handed over to an
+    // edge that takes exactly its place in the order (one ending at a
+    // vertex, the next one starting there), which saves an erase and an
+    // insert.
     struct StatusKey {
+        mutable Segment seg;
         mutable uint32_t e;
+
+        void Set(uint32_t edge, const Segment& s) const
+        {
+            e = edge;
+            seg = s;
+        }
     };
 
     struct EdgeLess {
         using is_transparent = void;
         const Sweep* s;
-        bool operator()(StatusKey a, StatusKey b) const { return s->EdgeLeftOf(a.e, b.e); }
-        bool operator()(StatusKey k, Probe p) const { return s->Orient3(k.e, p.vertex) < 0; }
-        bool operator()(Probe p, StatusKey k) const { return s->Orient3(k.e, p.vertex) > 0; }
+        bool operator()(const StatusKey& a, const StatusKey& b) const { return EdgeLeftOf(a, b); }
+        bool operator()(const StatusKey& k, Probe p) const { return Orient(k.seg.lo, k.seg.hi, s->mV[p.vertex]) < 0; }
+        bool operator()(Probe p, const StatusKey& k) const { return Orient(k.seg.lo, k.seg.hi, s->mV[p.vertex]) > 0; }
     };
     using Status = std::set<StatusKey, EdgeLess, PoolAllocator<StatusKey>>;
 
@@ -188,15 +197,13 @@ private:
 
     // Order of two edges that both cross the sweep line, tested where the
     // later of the two starts; they do not cross, so it holds for both lives.
-    bool EdgeLeftOf(uint32_t a, uint32_t b) const
+    static bool EdgeLeftOf(const StatusKey& a, const StatusKey& b)
     {
-        if (a == b) {
+        if (a.e == b.e) {
             return false;
         }
-        // Vertices are numbered in sweep order and one per position, so
-        // comparing lower ends by position is comparing them by number.
-        const Segment& sa = mSeg[a];
-        const Segment& sb = mSeg[b];
+        const Segment& sa = a.seg;
+        const Segment& sb = b.seg;
         int64_t o = 0;
         if (sa.lo == sb.lo) {
             o = Orient(sa.lo, sa.hi, sb.hi);
@@ -211,7 +218,7 @@ private:
                 o = -Orient(sb.lo, sb.hi, sa.hi);
             }
         }
-        return o != 0 ? o < 0 : a < b;
+        return o != 0 ? o < 0 : a.e < b.e;
     }
 
     // Neighbours in the status that cross or overlap: the first crossing in
@@ -222,8 +229,8 @@ private:
         if (a == mStatus.end() || b == mStatus.end()) {
             return;
         }
-        const Segment& sa = mSeg[a->e];
-        const Segment& sb = mSeg[b->e];
+        const Segment& sa = a->seg;
+        const Segment& sb = b->seg;
         const int o1 = Sign(Orient(sa.lo, sa.hi, sb.lo));
         const int o2 = Sign(Orient(sa.lo, sa.hi, sb.hi));
         if (o1 * o2 > 0) {
@@ -444,7 +451,9 @@ void Sweep::Event(uint32_t v)
     // The edges that end at v, or pass through it, are neighbours in the
     // status; find them around any one of them or around v's position.
     const GridPoint& at = mV[v];
-    const auto meets = [&](StatusKey k) { return mSeg[k.e].hi == at || Orient3(k.e, v) == 0 || Near(k.e, v); };
+    const auto meets = [&](const StatusKey& k) {
+        return k.seg.hi == at || Orient(k.seg.lo, k.seg.hi, at) == 0 || Near(k.e, v);
+    };
     Status::iterator first = downBegin != downEnd ? mWhere[*downBegin] : mStatus.lower_bound(Probe{v});
     Status::iterator last = first;
     if (first == mStatus.end() || !meets(*first)) {
@@ -469,10 +478,8 @@ void Sweep::Event(uint32_t v)
         rightIt = std::next(last);
         leftIt = first == mStatus.begin() ? mStatus.end() : std::prev(first);
         for (auto it = first; it != rightIt; ++it) {
-            mDownBlock.push_back(it->e);
-        }
-        for (uint32_t& e : mDownBlock) {
-            if (!(mSeg[e].hi == at)) {
+            uint32_t e = it->e;
+            if (!(it->seg.hi == at)) {
                 // v touches the edge inside: cut it there. The lower part
                 // takes a new id and the edge's place; the upper part keeps
                 // the id, so that its upper end still finds it.
@@ -487,10 +494,11 @@ void Sweep::Event(uint32_t v)
                 mEdges[e].lo = v;
                 mSeg[e].lo = mV[v];
                 mUps.push_back(e);
-                mWhere[f]->e = f;
+                it->Set(f, mSeg[f]);
                 e = f;
             }
             mInBlock[e] = 1;
+            mDownBlock.push_back(e);
         }
         // Edges that end here but sit elsewhere in the status only arise from
         // crossing input; close what they bound and drop them.
@@ -594,13 +602,13 @@ void Sweep::Event(uint32_t v)
         mInBlock[e] = 0;
         if (j < reuse) {
             mWhere[mUps[j]] = mWhere[e];
-            mWhere[e]->e = mUps[j];
+            mWhere[e]->Set(mUps[j], mSeg[mUps[j]]);
         } else {
             mStatus.erase(mWhere[e]);
         }
     }
     for (size_t j = reuse; j < m; ++j) {
-        mWhere[mUps[j]] = mStatus.emplace_hint(rightIt, StatusKey{mUps[j]});
+        mWhere[mUps[j]] = mStatus.emplace_hint(rightIt, StatusKey{mSeg[mUps[j]], mUps[j]});
     }
     if (m == 0) {
         CheckPair(leftIt, rightIt);
