@@ -1,5 +1,6 @@
 #include <svg/Tessellation.h>
 
+#include "tessellate/Crossings.h"
 #include "tessellate/MonotoneTriangulation.h"
 
 #include <clipper.hpp>
@@ -20,6 +21,11 @@ using V2 = Wm4::Vector2<float>;
 constexpr int kGridBits = 24;
 constexpr int kRetryShift = 8;
 constexpr int64_t kTriangulationLimit = int64_t(1) << 29;
+// Work allowed for finding crossings before Clipper takes over: pair tests
+// and cut points, at least this many, or this many per point.
+constexpr size_t kCrossingBudget = size_t(1) << 24;
+constexpr size_t kCrossingBudgetPerPoint = 2048;
+constexpr int kSplitRounds = 3;
 
 void SetError(std::string* error, std::string text)
 {
@@ -104,6 +110,15 @@ bool FillOnGrid(const Contours& contours, WindingRule rule, double spacing, impl
         return true;
     }
     impl::TriangulateRings(rings, rule, true, result);
+    // Put the crossings into the rings ourselves; Clipper only when rounding
+    // them keeps making new ones or there are too many to test.
+    const size_t budget = std::max(kCrossingBudget, kCrossingBudgetPerPoint * rings.points.size());
+    for (int round = 0; round < kSplitRounds && result.crossed; ++round) {
+        if (!impl::SplitAtCrossings(rings, budget)) {
+            break;
+        }
+        impl::TriangulateRings(rings, rule, true, result);
+    }
     if (!result.crossed) {
         return true;
     }
