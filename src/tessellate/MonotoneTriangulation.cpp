@@ -14,13 +14,22 @@ namespace {
 
 constexpr uint32_t kNone = 0xFFFFFFFFu;
 
+// The sweep's copy of a vertex: coordinates stay within +-2^29, and half
+// the size means more of the status and the vertices stay in cache.
+struct Point32 {
+    int32_t x = 0;
+    int32_t y = 0;
+};
+
+inline bool operator==(const Point32& a, const Point32& b) { return a.x == b.x && a.y == b.y; }
+
 // Positive when c lies left of the line from a to b.
-int64_t Orient(const GridPoint& a, const GridPoint& b, const GridPoint& c)
+template <class P> int64_t Orient(const P& a, const P& b, const P& c)
 {
-    return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+    return (int64_t(b.x) - a.x) * (int64_t(c.y) - a.y) - (int64_t(b.y) - a.y) * (int64_t(c.x) - a.x);
 }
 
-bool SweepLess(const GridPoint& a, const GridPoint& b) { return a.y < b.y || (a.y == b.y && a.x < b.x); }
+template <class P> bool SweepLess(const P& a, const P& b) { return a.y < b.y || (a.y == b.y && a.x < b.x); }
 
 enum class Side : uint8_t { None, Left, Right };
 
@@ -68,8 +77,8 @@ struct Region {
 // An edge's end points beside it, so that ordering the status reads one
 // record per edge instead of chasing edge then vertices.
 struct Segment {
-    GridPoint lo;
-    GridPoint hi;
+    Point32 lo;
+    Point32 hi;
 };
 
 // Fixed-size blocks for the status tree's nodes, recycled through a free
@@ -153,9 +162,12 @@ class Sweep {
 public:
     Sweep(const std::vector<GridPoint>& vertices, std::vector<Edge>& edges, std::vector<uint32_t>& triangles,
           WindingRule rule, bool stopAtCrossing)
-        : mV(vertices), mEdges(edges), mTriangles(triangles), mRule(rule), mStopAtCrossing(stopAtCrossing),
+        : mV(vertices.size()), mEdges(edges), mTriangles(triangles), mRule(rule), mStopAtCrossing(stopAtCrossing),
           mStatus(EdgeLess{this}, PoolAllocator<StatusKey>(&mPool)), mWhere(edges.size()), mRegion(edges.size())
     {
+        for (size_t i = 0; i < vertices.size(); ++i) {
+            mV[i] = {static_cast<int32_t>(vertices[i].x), static_cast<int32_t>(vertices[i].y)};
+        }
     }
 
     // False when the edges crossed or the bookkeeping went wrong.
@@ -418,7 +430,7 @@ private:
 
     void Event(uint32_t v);
 
-    const std::vector<GridPoint>& mV;
+    std::vector<Point32> mV;
     std::vector<Edge>& mEdges;
     std::vector<uint32_t>& mTriangles;
     WindingRule mRule;
@@ -450,7 +462,7 @@ void Sweep::Event(uint32_t v)
 
     // The edges that end at v, or pass through it, are neighbours in the
     // status; find them around any one of them or around v's position.
-    const GridPoint& at = mV[v];
+    const Point32& at = mV[v];
     const auto meets = [&](const StatusKey& k) {
         return k.seg.hi == at || Orient(k.seg.lo, k.seg.hi, at) == 0 || Near(k.e, v);
     };
