@@ -91,7 +91,7 @@ public:
     ~NodePool()
     {
         for (void* chunk : mChunks) {
-            ::operator delete(chunk);
+            ::operator delete(chunk, std::align_val_t(kLine));
         }
     }
 
@@ -105,7 +105,7 @@ public:
         const size_t stride = std::max(RoundUp(size), sizeof(void*));
         if (mLeft < stride) {
             const size_t bytes = stride * std::max<size_t>(64, mBlocks);
-            mNext = static_cast<char*>(::operator new(bytes));
+            mNext = static_cast<char*>(::operator new(bytes, std::align_val_t(kLine)));
             mChunks.push_back(mNext);
             mLeft = bytes;
         }
@@ -123,6 +123,8 @@ public:
     }
 
 private:
+    // Chunks start on a cache line, and a node of a line's size fills one.
+    static constexpr size_t kLine = 64;
     static size_t RoundUp(size_t size) { return (size + alignof(std::max_align_t) - 1) & ~(alignof(std::max_align_t) - 1); }
 
     std::vector<void*> mChunks;
@@ -163,7 +165,7 @@ public:
     Sweep(const std::vector<GridPoint>& vertices, std::vector<Edge>& edges, std::vector<uint32_t>& triangles,
           WindingRule rule, bool stopAtCrossing)
         : mV(vertices.size()), mEdges(edges), mTriangles(triangles), mRule(rule), mStopAtCrossing(stopAtCrossing),
-          mStatus(EdgeLess{this}, PoolAllocator<StatusKey>(&mPool)), mWhere(edges.size()), mRegion(edges.size())
+          mStatus(EdgeLess{this}, PoolAllocator<StatusKey>(&mPool)), mWhere(edges.size())
     {
         for (size_t i = 0; i < vertices.size(); ++i) {
             mV[i] = {static_cast<int32_t>(vertices[i].x), static_cast<int32_t>(vertices[i].y)};
@@ -180,20 +182,17 @@ private:
         uint32_t vertex;
     };
 
-    // The edge of a status node, with its end points in the node so that a
-    // descent loads one record per level. A node may be handed over to an
-    // edge that takes exactly its place in the order (one ending at a
-    // vertex, the next one starting there), which saves an erase and an
-    // insert.
+    // The edge of a status node with what the sweep reads of it while it is
+    // active, its end points, the winding number right of it and the area
+    // there, so that a descent or a look at a neighbour loads one record. A
+    // node may be handed over to an edge that takes exactly its place in the
+    // order (one ending at a vertex, the next one starting there), which
+    // saves an erase and an insert.
     struct StatusKey {
         mutable Segment seg;
         mutable uint32_t e;
-
-        void Set(uint32_t edge, const Segment& s) const
-        {
-            e = edge;
-            seg = s;
-        }
+        mutable int32_t winding;
+        mutable Region region;
     };
 
     struct EdgeLess {
@@ -362,11 +361,14 @@ private:
         mFree.push_back(id);
     }
 
-    // The area right of `e`, created at v when the bookkeeping lost it.
-    Region Take(uint32_t e, uint32_t v)
+    bool Inside(const StatusKey& k) const { return Covers(mRule, k.winding); }
+
+    // The area right of an active edge, created at v when the bookkeeping
+    // lost it.
+    Region Take(const StatusKey& k, uint32_t v)
     {
-        Region r = mRegion[e];
-        mRegion[e] = Region{};
+        Region r = k.region;
+        k.region = Region{};
         if (r.a < 0) {
             mConsistent = false;
             r.a = NewPiece(v);
@@ -442,7 +444,6 @@ private:
     NodePool mPool;
     Status mStatus;
     std::vector<Status::iterator> mWhere;
-    std::vector<Region> mRegion;
     std::vector<Piece> mPieces;
     std::vector<int32_t> mFree;
     bool mConsistent = true;
@@ -450,6 +451,8 @@ private:
     // Edges by lower and by upper vertex (compressed rows).
     std::vector<uint32_t> upStart, up, downStart, down;
     std::vector<uint32_t> mDownBlock;
+    std::vector<Status::iterator> mDownNodes;
+    std::vector<Region> mUpRegion;
     std::vector<uint32_t> mUps;
     std::vector<char> mInBlock;
 };
@@ -478,6 +481,7 @@ void Sweep::Event(uint32_t v)
         }
     }
     mDownBlock.clear();
+    mDownNodes.clear();
     Status::iterator leftIt = mStatus.end();
     Status::iterator rightIt = mStatus.end();
     if (first != mStatus.end()) {
@@ -493,32 +497,34 @@ void Sweep::Event(uint32_t v)
             uint32_t e = it->e;
             if (!(it->seg.hi == at)) {
                 // v touches the edge inside: cut it there. The lower part
-                // takes a new id and the edge's place; the upper part keeps
-                // the id, so that its upper end still finds it.
+                // takes a new id and the edge's node, with the area right of
+                // it; the upper part keeps the id, so that its upper end
+                // still finds it.
                 const auto f = static_cast<uint32_t>(mEdges.size());
                 mEdges.push_back(mEdges[e]);
                 mEdges.back().hi = v;
                 mSeg.push_back({mSeg[e].lo, mV[v]});
-                mWhere.push_back(mWhere[e]);
-                mRegion.push_back(mRegion[e]);
+                mWhere.push_back(it);
                 mInBlock.push_back(0);
-                mRegion[e] = Region{};
                 mEdges[e].lo = v;
                 mSeg[e].lo = mV[v];
                 mUps.push_back(e);
-                it->Set(f, mSeg[f]);
+                it->seg = mSeg[f];
+                it->e = f;
                 e = f;
             }
             mInBlock[e] = 1;
             mDownBlock.push_back(e);
+            mDownNodes.push_back(it);
         }
         // Edges that end here but sit elsewhere in the status only arise from
         // crossing input; close what they bound and drop them.
         for (auto it = downBegin; it != downEnd; ++it) {
             if (!mInBlock[*it]) {
                 mConsistent = false;
-                if (mEdges[*it].inside && mRegion[*it].a >= 0) {
-                    End(Take(*it, v), v);
+                const StatusKey& key = *mWhere[*it];
+                if (Inside(key) && key.region.a >= 0) {
+                    End(Take(key, v), v);
                 }
                 mStatus.erase(mWhere[*it]);
             }
@@ -539,11 +545,11 @@ void Sweep::Event(uint32_t v)
     if (k == 0 && m == 0) {
         return; // every edge here cancelled out
     }
-    const uint32_t left = leftIt == mStatus.end() ? kNone : leftIt->e;
-    const bool insideLeft = left != kNone && mEdges[left].inside;
+    const StatusKey* left = leftIt == mStatus.end() ? nullptr : &*leftIt;
+    const bool insideLeft = left && Inside(*left);
 
     // The new edges' winding numbers, counted on from the left.
-    int32_t winding = left != kNone ? mEdges[left].winding : 0;
+    int32_t winding = left ? left->winding : 0;
     for (uint32_t e : mUps) {
         const bool before = Covers(mRule, winding);
         winding += mEdges[e].delta;
@@ -552,75 +558,81 @@ void Sweep::Event(uint32_t v)
         mEdges[e].boundary = mEdges[e].inside != before;
         mInnerEdges = mInnerEdges || !mEdges[e].boundary;
     }
+    mUpRegion.assign(m, Region{});
 
     for (size_t i = 0; i + 1 < k; ++i) {
-        if (mEdges[mDownBlock[i]].inside) {
-            End(Take(mDownBlock[i], v), v);
+        if (Inside(*mDownNodes[i])) {
+            End(Take(*mDownNodes[i], v), v);
         }
     }
-    const bool insideBelowRight = k > 0 && mEdges[mDownBlock[k - 1]].inside;
+    const bool insideBelowRight = k > 0 && Inside(*mDownNodes[k - 1]);
     const bool insideAboveRight = m > 0 && mEdges[mUps[m - 1]].inside;
 
     if (k == 0) {
         if (insideLeft) {
-            const Region r = Take(left, v);
+            const Region r = Take(*left, v);
             if (insideAboveRight) {
                 const auto parts = Split(r, v);
-                mRegion[left] = Region{parts.first, -1};
-                mRegion[mUps[m - 1]] = Region{parts.second, -1};
+                left->region = Region{parts.first, -1};
+                mUpRegion[m - 1] = Region{parts.second, -1};
             } else {
-                mRegion[left] = Region{OnRight(r, v), -1};
+                left->region = Region{OnRight(r, v), -1};
             }
         } else if (insideAboveRight) {
-            mRegion[mUps[m - 1]] = Region{NewPiece(v), -1};
+            mUpRegion[m - 1] = Region{NewPiece(v), -1};
         }
     } else if (m == 0) {
-        const int32_t a = insideLeft ? OnRight(Take(left, v), v) : -1;
+        const int32_t a = insideLeft ? OnRight(Take(*left, v), v) : -1;
         if (insideBelowRight) {
-            const Region below = Take(mDownBlock[k - 1], v);
+            const Region below = Take(*mDownNodes[k - 1], v);
             if (insideLeft) {
-                mRegion[left] = Region{a, OnLeft(below, v)};
+                left->region = Region{a, OnLeft(below, v)};
             } else {
                 End(below, v);
             }
         } else if (insideLeft) {
-            mRegion[left] = Region{a, -1};
+            left->region = Region{a, -1};
         }
     } else {
         if (insideLeft) {
-            mRegion[left] = Region{OnRight(Take(left, v), v), -1};
+            left->region = Region{OnRight(Take(*left, v), v), -1};
         }
         if (insideBelowRight) {
-            const Region below = Take(mDownBlock[k - 1], v);
+            const Region below = Take(*mDownNodes[k - 1], v);
             if (insideAboveRight) {
-                mRegion[mUps[m - 1]] = Region{OnLeft(below, v), -1};
+                mUpRegion[m - 1] = Region{OnLeft(below, v), -1};
             } else {
                 End(below, v);
             }
         } else if (insideAboveRight) {
-            mRegion[mUps[m - 1]] = Region{NewPiece(v), -1};
+            mUpRegion[m - 1] = Region{NewPiece(v), -1};
         }
     }
     for (size_t j = 0; j + 1 < m; ++j) {
         if (mEdges[mUps[j]].inside) {
-            mRegion[mUps[j]] = Region{NewPiece(v), -1};
+            mUpRegion[j] = Region{NewPiece(v), -1};
         }
     }
 
     // The new edges take the old ones' places in order, reusing their nodes.
     const size_t reuse = std::min(k, m);
     for (size_t j = 0; j < k; ++j) {
-        const uint32_t e = mDownBlock[j];
-        mInBlock[e] = 0;
+        mInBlock[mDownBlock[j]] = 0;
+        const Status::iterator node = mDownNodes[j];
         if (j < reuse) {
-            mWhere[mUps[j]] = mWhere[e];
-            mWhere[e]->Set(mUps[j], mSeg[mUps[j]]);
+            const uint32_t u = mUps[j];
+            mWhere[u] = node;
+            node->seg = mSeg[u];
+            node->e = u;
+            node->winding = mEdges[u].winding;
+            node->region = mUpRegion[j];
         } else {
-            mStatus.erase(mWhere[e]);
+            mStatus.erase(node);
         }
     }
     for (size_t j = reuse; j < m; ++j) {
-        mWhere[mUps[j]] = mStatus.emplace_hint(rightIt, StatusKey{mSeg[mUps[j]], mUps[j]});
+        const uint32_t u = mUps[j];
+        mWhere[u] = mStatus.emplace_hint(rightIt, StatusKey{mSeg[u], u, mEdges[u].winding, mUpRegion[j]});
     }
     if (m == 0) {
         CheckPair(leftIt, rightIt);
