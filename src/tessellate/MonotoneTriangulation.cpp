@@ -125,7 +125,10 @@ public:
 private:
     // Chunks start on a cache line, and a node of a line's size fills one.
     static constexpr size_t kLine = 64;
-    static size_t RoundUp(size_t size) { return (size + alignof(std::max_align_t) - 1) & ~(alignof(std::max_align_t) - 1); }
+    static size_t RoundUp(size_t size)
+    {
+        return (size + alignof(std::max_align_t) - 1) & ~(alignof(std::max_align_t) - 1);
+    }
 
     std::vector<void*> mChunks;
     void* mFree = nullptr;
@@ -253,8 +256,7 @@ private:
             // A rounded touch, which the event at the vertex will cut.
             const Edge& ea = mEdges[a->e];
             const Edge& eb = mEdges[b->e];
-            const bool touch =
-                Near(a->e, eb.lo) || Near(a->e, eb.hi) || Near(b->e, ea.lo) || Near(b->e, ea.hi);
+            const bool touch = Near(a->e, eb.lo) || Near(a->e, eb.hi) || Near(b->e, ea.lo) || Near(b->e, ea.hi);
             mCrossed = mCrossed || !touch;
         }
     }

@@ -167,8 +167,7 @@ float ToFloat(int64_t k, double spacing)
     return float(std::clamp(value, -double(FLT_MAX), double(FLT_MAX)));
 }
 
-template <class Contours>
-bool Fill(const Contours& contours, WindingRule rule, FillMesh& mesh, std::string* error)
+template <class Contours> bool Fill(const Contours& contours, WindingRule rule, FillMesh& mesh, std::string* error)
 {
     double largest = 0.0;
     for (size_t c = 0; c < contours.Count(); ++c) {

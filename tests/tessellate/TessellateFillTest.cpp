@@ -3,6 +3,10 @@
 // exactly where one triangle of the mesh contains the point.
 #include <svg/Tessellation.h>
 
+#include "tessellate/Crossings.h"
+#include "tessellate/MonotoneTriangulation.h"
+#include "tessellate/RadixSort.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -399,6 +403,197 @@ TEST(TessellateFill, TinyAndHugeCoordinates)
         Contours contours{{V2(0, 0), V2(3 * scale, 0), V2(0, 3 * scale)},
                           {V2(scale, scale), V2(-scale, scale), V2(scale, -scale)}};
         ExpectFill(contours, 20);
+    }
+}
+
+// Proper crossings between edges of the closed rings, counted pair by pair
+// in exact integer arithmetic.
+size_t CountCrossings(const std::vector<std::vector<vk::svg::impl::GridPoint>>& rings)
+{
+    using vk::svg::impl::GridPoint;
+    struct Seg {
+        GridPoint a, b;
+    };
+    std::vector<Seg> segs;
+    for (const auto& ring : rings) {
+        for (size_t i = 0; i < ring.size(); ++i) {
+            segs.push_back({ring[i], ring[(i + 1) % ring.size()]});
+        }
+    }
+    const auto cross = [](GridPoint a, GridPoint b, GridPoint c) {
+        const int64_t v = (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+        return (v > 0) - (v < 0);
+    };
+    size_t count = 0;
+    for (size_t i = 0; i < segs.size(); ++i) {
+        for (size_t j = i + 1; j < segs.size(); ++j) {
+            const Seg& s = segs[i];
+            const Seg& t = segs[j];
+            if (cross(s.a, s.b, t.a) * cross(s.a, s.b, t.b) < 0 && cross(t.a, t.b, s.a) * cross(t.a, t.b, s.b) < 0) {
+                ++count;
+            }
+        }
+    }
+    return count;
+}
+
+vk::svg::impl::RingSet Flatten(const std::vector<std::vector<vk::svg::impl::GridPoint>>& rings)
+{
+    vk::svg::impl::RingSet set;
+    for (const auto& ring : rings) {
+        set.points.insert(set.points.end(), ring.begin(), ring.end());
+        set.ends.push_back(static_cast<uint32_t>(set.points.size()));
+    }
+    return set;
+}
+
+size_t Distinct(const std::vector<vk::svg::impl::GridPoint>& points)
+{
+    std::set<std::pair<int64_t, int64_t>> distinct;
+    for (const auto& p : points) {
+        distinct.emplace(p.x, p.y);
+    }
+    return distinct.size();
+}
+
+TEST(TessellateFillInternals, RadixSortAgreesWithStdSort)
+{
+    using vk::svg::impl::KeyedIndex;
+    std::mt19937_64 rng(21);
+    for (int bits : {0, 1, 8, 9, 17, 33, 52, 60, 64}) {
+        for (size_t n : {0u, 1u, 63u, 64u, 65u, 1000u}) {
+            SCOPED_TRACE(std::to_string(bits) + " bits, " + std::to_string(n) + " keys");
+            const uint64_t mask = bits == 64 ? ~uint64_t(0) : (uint64_t(1) << bits) - 1;
+            std::vector<KeyedIndex> items(n);
+            for (size_t i = 0; i < n; ++i) {
+                // Few distinct high bytes, so that some passes are skipped.
+                items[i] = {(rng() & mask) & (i % 3 == 0 ? mask : (mask >> (bits / 2))), uint32_t(i)};
+            }
+            const std::vector<KeyedIndex> original = items;
+            std::vector<KeyedIndex> scratch;
+            vk::svg::impl::RadixSortByKey(items, scratch);
+            std::vector<uint64_t> expected;
+            for (const KeyedIndex& item : original) {
+                expected.push_back(item.key);
+            }
+            std::sort(expected.begin(), expected.end());
+            std::vector<char> seen(n, 0);
+            for (size_t i = 0; i < n; ++i) {
+                ASSERT_EQ(items[i].key, expected[i]);
+                ASSERT_LT(items[i].index, n);
+                ASSERT_EQ(original[items[i].index].key, items[i].key);
+                ASSERT_FALSE(seen[items[i].index]);
+                seen[items[i].index] = 1;
+            }
+        }
+    }
+}
+
+// Rings on a coarse grid cross each other often and exactly through grid
+// points, on a fine grid only at rounded points; either way the rings must
+// end up touching only, after at most a few rounds, with at most one new
+// point per crossing.
+TEST(TessellateFillInternals, SplittingRemovesEveryCrossing)
+{
+    using vk::svg::impl::GridPoint;
+    std::mt19937 rng(31);
+    for (int64_t range : {int64_t(8), int64_t(1000), int64_t(1) << 24}) {
+        for (int trial = 0; trial < 20; ++trial) {
+            SCOPED_TRACE("range " + std::to_string(range) + ", trial " + std::to_string(trial));
+            std::uniform_int_distribution<int64_t> coord(-range, range);
+            std::vector<std::vector<GridPoint>> rings(1 + trial % 3);
+            for (auto& ring : rings) {
+                ring.resize(3 + size_t(rng() % 30));
+                for (GridPoint& p : ring) {
+                    p = {coord(rng), coord(rng)};
+                }
+            }
+            const size_t crossings = CountCrossings(rings);
+            vk::svg::impl::RingSet set = Flatten(rings);
+            const size_t before = Distinct(set.points);
+            vk::svg::impl::RingTriangulation result;
+            vk::svg::impl::TriangulateRings(set, WindingRule::NonZero, true, result);
+            if (range > 8) {
+                EXPECT_EQ(result.crossed, crossings > 0);
+            }
+            size_t rounds = 0;
+            while (result.crossed && rounds < 3 && vk::svg::impl::SplitAtCrossings(set, size_t(1) << 24)) {
+                ++rounds;
+                vk::svg::impl::TriangulateRings(set, WindingRule::NonZero, true, result);
+            }
+            EXPECT_FALSE(result.crossed);
+            EXPECT_TRUE(result.consistent);
+            std::vector<std::vector<GridPoint>> split;
+            for (size_t r = 0, begin = 0; r < set.ends.size(); begin = set.ends[r++]) {
+                split.emplace_back(set.points.begin() + std::ptrdiff_t(begin),
+                                   set.points.begin() + std::ptrdiff_t(set.ends[r]));
+            }
+            EXPECT_EQ(CountCrossings(split), 0u);
+            if (range > 8) {
+                // Collinear overlaps are unlikely this far apart, so every new
+                // position is a crossing (put into both edges).
+                EXPECT_LE(Distinct(set.points), before + crossings);
+            }
+        }
+    }
+}
+
+TEST(TessellateFillInternals, SplittingGivesUpPastItsBudget)
+{
+    using vk::svg::impl::GridPoint;
+    // Two crossing squares: 8 edges, 2 crossings.
+    vk::svg::impl::RingSet set = Flatten({{{0, 0}, {4, 0}, {4, 4}, {0, 4}}, {{2, 2}, {6, 2}, {6, 6}, {2, 6}}});
+    const std::vector<GridPoint> points = set.points;
+    EXPECT_FALSE(vk::svg::impl::SplitAtCrossings(set, 1));
+    EXPECT_EQ(set.points.size(), points.size());
+    EXPECT_TRUE(vk::svg::impl::SplitAtCrossings(set, 1000));
+    // Each crossing goes into both squares.
+    EXPECT_EQ(set.points.size(), points.size() + 4);
+}
+
+TEST(TessellateFill, PartlyOverlappingEdges)
+{
+    // Edges along one line that overlap in part, in the same direction and
+    // in opposite ones, together with crossings.
+    const Contours contours{
+        {V2(0, 0), V2(4, 0), V2(4, 2), V2(0, 2)},
+        {V2(6, 0), V2(6, -2), V2(2, -2), V2(2, 0)},
+        {V2(1, 0), V2(3, 0), V2(3, 3), V2(1, 3)},
+        {V2(3, 1), V2(7, 1), V2(7, 0), V2(-1, 0), V2(-1, 1)},
+    };
+    ExpectFill(contours, 60);
+}
+
+// On whole-number coordinates the grid keeps every crossing exact enough
+// to count: the mesh has at most one vertex per input point and crossing.
+TEST(TessellateFill, OneNewVertexPerCrossing)
+{
+    std::mt19937 rng(41);
+    for (size_t n : {50u, 400u, 2000u}) {
+        SCOPED_TRACE(n);
+        std::uniform_real_distribution<double> jitter(-3.0, 3.0);
+        std::uniform_int_distribution<int> radius(200, 1000);
+        std::vector<vk::svg::impl::GridPoint> ring;
+        Contour contour;
+        for (size_t i = 0; i < n; ++i) {
+            const double a = 2.0 * kPi * (double(i) + jitter(rng)) / double(n);
+            const int r = radius(rng);
+            const int64_t x = std::lround(r * std::cos(a));
+            const int64_t y = std::lround(r * std::sin(a));
+            ring.push_back({x, y});
+            contour.emplace_back(float(x), float(y));
+        }
+        const size_t crossings = CountCrossings({ring});
+        EXPECT_GT(crossings, n / 10);
+        for (WindingRule rule : kRules) {
+            FillMesh mesh;
+            ASSERT_TRUE(TessellateFill(Contours{contour}, rule, mesh));
+            ExpectValidMesh(mesh);
+            EXPECT_LE(mesh.vertices.size(), n + crossings);
+        }
+        if (n <= 400) {
+            ExpectFill(Contours{contour}, 30);
+        }
     }
 }
 
