@@ -88,7 +88,37 @@ void Run(benchmark::State& state, const Outline& outline, vk::TriangulationFillR
     state.counters["triangles"] = double(triangles.size() / 3);
 }
 
-void RunFill(benchmark::State& state, const Outline& outline, vk::TriangulationFillRule rule)
+// Proper crossings between the outline's edges, pair by pair (inputs that
+// cross are small enough): the fill may add one vertex for each.
+std::size_t CountCrossings(const Outline& outline)
+{
+    const auto cross = [](const V2& a, const V2& b, const V2& c) {
+        const double v =
+            (double(b.X()) - a.X()) * (double(c.Y()) - a.Y()) - (double(b.Y()) - a.Y()) * (double(c.X()) - a.X());
+        return (v > 0) - (v < 0);
+    };
+    const std::size_t m = outline.edges.size() / 2;
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < m; ++i) {
+        const V2& a = outline.points[outline.edges[2 * i]];
+        const V2& b = outline.points[outline.edges[2 * i + 1]];
+        for (std::size_t j = i + 1; j < m; ++j) {
+            const V2& c = outline.points[outline.edges[2 * j]];
+            const V2& d = outline.points[outline.edges[2 * j + 1]];
+            if (std::max(a.X(), b.X()) < std::min(c.X(), d.X()) || std::max(c.X(), d.X()) < std::min(a.X(), b.X()) ||
+                std::max(a.Y(), b.Y()) < std::min(c.Y(), d.Y()) || std::max(c.Y(), d.Y()) < std::min(a.Y(), b.Y())) {
+                continue;
+            }
+            if (cross(a, b, c) * cross(a, b, d) < 0 && cross(c, d, a) * cross(c, d, b) < 0) {
+                ++count;
+            }
+        }
+    }
+    return count;
+}
+
+void RunFill(benchmark::State& state, const Outline& outline, vk::TriangulationFillRule rule,
+             bool countCrossings = false)
 {
     const vk::svg::WindingRule winding =
         rule == vk::TriangulationFillRule::EvenOdd ? vk::svg::WindingRule::EvenOdd : vk::svg::WindingRule::NonZero;
@@ -105,6 +135,9 @@ void RunFill(benchmark::State& state, const Outline& outline, vk::TriangulationF
         double(outline.points.size()), benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
     state.counters["vertices"] = double(mesh.vertices.size());
     state.counters["triangles"] = double(mesh.indices.size() / 3);
+    if (countCrossings) {
+        state.counters["crossings"] = double(CountCrossings(outline));
+    }
 }
 
 Outline StarOutline(std::size_t n)
@@ -193,7 +226,7 @@ void BM_Tangled(benchmark::State& state)
 
 void BM_TangledFill(benchmark::State& state)
 {
-    RunFill(state, TangledOutline(std::size_t(state.range(0))), vk::TriangulationFillRule::NonZero);
+    RunFill(state, TangledOutline(std::size_t(state.range(0))), vk::TriangulationFillRule::NonZero, true);
 }
 
 } // namespace
