@@ -538,6 +538,31 @@ TEST(TessellateFillInternals, SplittingRemovesEveryCrossing)
     }
 }
 
+// Enough edges for the pair search to work in strips, long ones among them.
+TEST(TessellateFillInternals, SplittingInStripsFindsEveryCrossing)
+{
+    using vk::svg::impl::GridPoint;
+    std::mt19937 rng(37);
+    std::uniform_real_distribution<double> jitter(-4.0, 4.0);
+    std::uniform_real_distribution<double> radius(1e5, 1e6);
+    const size_t n = 3000;
+    std::vector<GridPoint> ring;
+    for (size_t i = 0; i < n; ++i) {
+        const double a = 2.0 * kPi * (double(i) + jitter(rng)) / double(n);
+        const double r = radius(rng);
+        ring.push_back({std::llround(r * std::cos(a)), std::llround(r * std::sin(a))});
+    }
+    const size_t crossings = CountCrossings({ring});
+    ASSERT_GT(crossings, n / 4);
+    vk::svg::impl::RingSet set = Flatten({ring});
+    ASSERT_TRUE(vk::svg::impl::SplitAtCrossings(set, size_t(1) << 24));
+    // Every crossing went in, at one new position each; what rounding bent
+    // is left for a later round.
+    EXPECT_EQ(set.points.size(), n + 2 * crossings);
+    EXPECT_LE(Distinct(set.points), n + crossings);
+    EXPECT_LT(CountCrossings({set.points}), crossings / 100 + 1);
+}
+
 TEST(TessellateFillInternals, SplittingGivesUpPastItsBudget)
 {
     using vk::svg::impl::GridPoint;
