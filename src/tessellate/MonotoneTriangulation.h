@@ -18,17 +18,28 @@
 //    are dropped and the rest swept again, so that a polygon of n vertices
 //    and h holes gets n - 2 + 2h triangles.
 // 3. Only if two edges cross (found as neighbours in the sweep, as in Shamos
-//    and Hoey) does Clipper unite the contours under the rule first; its
-//    strictly simple rings are then swept by parity. Its rounded crossings
-//    can leave a vertex a fraction of a unit beside an edge it touched; the
-//    sweep cuts the edge there too.
+//    and Hoey) are the crossings resolved first (Crossings.h): every
+//    crossing, rounded to the grid, goes into both rings, and the sweep then
+//    counts the windings itself. Rounding can bend an edge across a vertex
+//    near the crossing, so the sweep checks again; after three rounds, or
+//    past a budget of pair tests, Clipper unites the contours under the rule
+//    instead and its strictly simple rings are swept by parity. Its rounded
+//    crossings can leave a vertex a fraction of a unit beside an edge it
+//    touched; the sweep cuts the edge there too.
+//
+// The sweep's status is a balanced tree whose nodes hold what the sweep
+// reads of an active edge (end points, winding number, the area right of
+// it), one cache line each from a pool, and an edge that continues another
+// takes over its node.
 //
 // O(n log n) without crossings. Limits: detail finer than the float spacing
-// at the largest coordinate is snapped away; with crossings the time is
-// Clipper's, which grows with the square of the edges that a horizontal line
-// meets at once; should its rings still cross, TessellateFill retries on
-// coarser grids and otherwise keeps the first result, whose triangles are
-// all positive but may miss or double a little area near the crossing.
+// at the largest coordinate is snapped away; with crossings, finding them
+// costs about the edges times those a scan line meets in one strip of the
+// plane, and Clipper's fallback grows with the square of the edges that a
+// horizontal line meets at once; should the rings still cross,
+// TessellateFill retries on coarser grids and otherwise keeps the first
+// result, whose triangles are all positive but may miss or double a little
+// area near the crossing.
 
 #include <svg/Tessellation.h>
 
