@@ -31,6 +31,12 @@ struct SaveOptions {
     bool prettyPrint = false;
     // Start the document with the Exporter and Datetime comments.
     bool writeHeaderComments = true;
+    /// Write every number with the fewest digits that read back to the same
+    /// float (133.02 stays 133.02, 0.1f is written 0.1) instead of six fixed
+    /// decimals; still fixed notation, never an exponent, whatever the locale.
+    /// A precision of 0 or more wins over this flag: it applies only while
+    /// `precision` is negative.
+    bool shortestNumbers = false;
 };
 
 } // namespace vk::svg

@@ -30,6 +30,8 @@ enum WriteErrorCode : int32_t {
 // The one number format of the writer: fixed notation with
 // options.precision decimals (6 when negative), trailing zeros and a bare
 // point removed, and "-0" written as "0". Never uses the process locale.
+// With options.shortestNumbers (and no precision) the fixed decimals give
+// way to the fewest digits that read back to the same float.
 VKSVG_API std::string floatToSvgNumber(float value, const SaveOptions& options);
 
 // Attribute writers. Each returns false on failure, after setting the

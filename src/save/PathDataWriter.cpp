@@ -119,10 +119,9 @@ private:
         const bool blank = mOut != mBegin && (mOptions.prettyPrint || (digitBefore && digitFirst));
         char* at = mOut + (blank ? 1 : 0);
         *mOut = ' ';
-        std::size_t length = vk::vkStringUtils::formatFloat(at, kSlot, value, mOptions.precision,
-                                                            vk::vkStringUtils::FloatFormat::FixedTrimZeros);
+        std::size_t length = impl::FormatSvgNumber(at, kSlot, value, mOptions);
         if (length == 0) { // a precision too large for the slot
-            appendToken(impl::SvgNumberText(value, mOptions.precision).c_str());
+            appendToken(impl::SvgNumberText(value, mOptions).c_str());
             return;
         }
         if (length == 2 && at[0] == '-' && at[1] == '0') {

@@ -57,14 +57,14 @@ bool writeAttributeSignedInt(vk::xml::XmlSaveContext& context, const SaveOptions
 bool writeAttributeFloatValue(vk::xml::XmlSaveContext& context, const SaveOptions& options, const char* name,
                               float value)
 {
-    return writeAttributeString(context, options, name, impl::SvgNumberText(value, options.precision).c_str());
+    return writeAttributeString(context, options, name, impl::SvgNumberText(value, options).c_str());
 }
 
 bool writeAttributeUnitValue(vk::xml::XmlSaveContext& context, const SaveOptions& options, const char* name,
                              const UnitValue& value)
 {
     std::string text;
-    impl::AppendSvgNumber(text, value.value, options.precision);
+    impl::AppendSvgNumber(text, value.value, options);
     UnitToString(value.unit, text, true);
     return writeAttributeString(context, options, name, text);
 }
@@ -76,7 +76,7 @@ bool writeAttributeUnitValues(vk::xml::XmlSaveContext& context, const SaveOption
     for (const UnitValue& value : values) {
         if (!text.empty())
             text += ' ';
-        impl::AppendSvgNumber(text, value.value, options.precision);
+        impl::AppendSvgNumber(text, value.value, options);
         UnitToString(value.unit, text, true);
     }
     return writeAttributeString(context, options, name, text);
@@ -89,7 +89,7 @@ bool writeAttributeBox(vk::xml::XmlSaveContext& context, const SaveOptions& opti
     for (float value : {a, b, c, d}) {
         if (!text.empty())
             text += ' ';
-        impl::AppendSvgNumber(text, value, options.precision);
+        impl::AppendSvgNumber(text, value, options);
     }
     return writeAttributeString(context, options, name, text);
 }
@@ -105,7 +105,7 @@ bool writeAttributeTransform(vk::xml::XmlSaveContext& context, const SaveOptions
         for (int row = 0; row < 2; ++row) {
             if (col + row > 0)
                 text += ' ';
-            impl::AppendSvgNumber(text, matrix(row, col), options.precision);
+            impl::AppendSvgNumber(text, matrix(row, col), options);
         }
     text += ')';
     return writeAttributeString(context, options, name, text);
