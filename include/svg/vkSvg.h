@@ -9,6 +9,7 @@
 #include <svg/BoundingBox.h>
 #include <svg/BoundingBoxEstimation.h>
 #include <svg/Color.h>
+#include <svg/DocumentIO.h>
 #include <svg/Items.h>
 #include <svg/Library.h>
 #include <svg/Options.h>

@@ -123,11 +123,11 @@ const ElementEntry* FindElement(const char* name)
 }
 
 Loader::Loader(ItemInterfacePointer<ItemInterface>& root, vk::vkIoDevice& device, const LoadOptions& options,
-               Callback errorCallback, Callback warningCallback)
+               Callback errorCallback, Callback warningCallback, vk::xml::XmlTextPosition* position)
     : mRoot(root), mErrorCallback(std::move(errorCallback)), mWarningCallback(std::move(warningCallback)),
       mIgnoreUnsupported(options.ignoreUnsupported)
 {
-    mParseResult = vk::xml::ParseXmlStream(device, *this, nullptr);
+    mParseResult = vk::xml::ParseXmlStream(device, *this, nullptr, position);
 }
 
 Loader::Loader(ItemInterfacePointer<ItemInterface>& root, const LoadOptions& options, Callback errorCallback,

@@ -6,6 +6,7 @@
 #include <svg/Items.h>
 #include <svg/Options.h>
 
+#include <vkXml/ParseXmlStream.h>
 #include <vkXml/XmlSaxParserHandler.h>
 
 #include <cstddef>
@@ -58,8 +59,10 @@ class Loader : private vk::xml::XmlSaxParserHandler {
 public:
     using Callback = std::function<void(const std::string&)>;
 
+    // With `position`, the parser keeps it at the place of the event being
+    // handled, so that the callbacks can tell where a message arose.
     Loader(ItemInterfacePointer<ItemInterface>& root, vk::vkIoDevice& device, const LoadOptions& options,
-           Callback errorCallback, Callback warningCallback);
+           Callback errorCallback, Callback warningCallback, vk::xml::XmlTextPosition* position = nullptr);
     // A loader that parses nothing by itself: its handler is driven by the
     // caller, event by event.
     Loader(ItemInterfacePointer<ItemInterface>& root, const LoadOptions& options, Callback errorCallback,

@@ -28,11 +28,14 @@ void GatherStyleSheets(const ElementTree& tree, StyleSheet& sheet, const Warning
 
 bool ReadFullProfile(ItemInterfacePointer<ItemInterface>& root, vk::vkIoDevice& device,
                      const std::function<void(const std::string&)>& error,
-                     const std::function<void(const std::string&)>& warning)
+                     const std::function<void(const std::string&)>& warning, vk::xml::XmlTextPosition* position)
 {
     ElementTree tree;
-    if (!BuildElementTree(device, tree, error, warning))
+    if (!BuildElementTree(device, tree, error, warning, position))
         return false;
+    // What the later stages say belongs to no one place of the text.
+    if (position != nullptr)
+        *position = {};
     StyleSheet sheet;
     GatherStyleSheets(tree, sheet, warning);
     return EmitItems(tree, sheet, error, warning, root);

@@ -32,6 +32,8 @@
 
 #include <svg/Items.h>
 
+#include <vkXml/ParseXmlStream.h>
+
 #include <functional>
 #include <string>
 
@@ -44,10 +46,12 @@ namespace vk::svg::impl {
 // Reads the document of `device` under the full profile. Errors (a document
 // that is not well-formed XML, a root that is not svg, a reference loop or
 // an expansion beyond the budget) fail the load and leave `root` as it was;
-// everything else is a warning.
+// everything else is a warning. With `position`, messages of the parse
+// find it at their place in the text; for the later stages it is cleared.
 bool ReadFullProfile(ItemInterfacePointer<ItemInterface>& root, vk::vkIoDevice& device,
                      const std::function<void(const std::string&)>& error,
-                     const std::function<void(const std::string&)>& warning);
+                     const std::function<void(const std::string&)>& warning,
+                     vk::xml::XmlTextPosition* position = nullptr);
 
 } // namespace vk::svg::impl
 

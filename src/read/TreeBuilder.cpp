@@ -289,10 +289,11 @@ ElementTag TagOfName(std::string_view localName)
     return it != end && it->name == localName ? it->tag : ElementTag::Unknown;
 }
 
-bool BuildElementTree(vk::vkIoDevice& device, ElementTree& tree, const MessageSink& error, const MessageSink& warning)
+bool BuildElementTree(vk::vkIoDevice& device, ElementTree& tree, const MessageSink& error, const MessageSink& warning,
+                      vk::xml::XmlTextPosition* position)
 {
     Builder builder(tree, error, warning);
-    const bool parsed = vk::xml::ParseXmlStream(device, builder, nullptr);
+    const bool parsed = vk::xml::ParseXmlStream(device, builder, nullptr, position);
     if (!parsed)
         return false;
     builder.finish();

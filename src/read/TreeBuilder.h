@@ -3,6 +3,8 @@
 
 #include "read/ElementTree.h"
 
+#include <vkXml/ParseXmlStream.h>
+
 #include <functional>
 #include <string>
 
@@ -19,7 +21,10 @@ using MessageSink = std::function<void(const std::string&)>;
 // their attributes. Foreign elements and attributes are dropped with one
 // summary warning each; metadata, title and desc quietly. Well-formedness
 // errors and the parser's safety limits fail the build through `error`.
-bool BuildElementTree(vk::vkIoDevice& device, ElementTree& tree, const MessageSink& error, const MessageSink& warning);
+// With `position`, the parser keeps it at the place of the event being
+// handled while the messages of the parse go out.
+bool BuildElementTree(vk::vkIoDevice& device, ElementTree& tree, const MessageSink& error, const MessageSink& warning,
+                      vk::xml::XmlTextPosition* position = nullptr);
 
 // The tag of an SVG element's local name.
 ElementTag TagOfName(std::string_view localName);

@@ -57,8 +57,10 @@ void appendPosition(std::string& text, int line, int column)
 // unchanged.
 class SaxSession {
 public:
-    SaxSession(XmlSaxParserHandler& handler, const vk::vkCancelInterface* cancel) : mHandler(handler), mCancel(cancel)
+    SaxSession(XmlSaxParserHandler& handler, const vk::vkCancelInterface* cancel, XmlTextPosition* position)
+        : mHandler(handler), mCancel(cancel), mPosition(position)
     {
+        mark(0, 0);
     }
 
     ~SaxSession()
@@ -164,6 +166,7 @@ private:
     {
         if (mCancel == nullptr || !mCancel->isCancelRequested())
             return false;
+        markCurrent();
         fail(ctxt);
         mHandler.parserMessage("XML parsing cancelled", XmlSaxParserHandler::Error);
         return true;
@@ -175,6 +178,7 @@ private:
     {
         if (mContext->input != nullptr)
             appendPosition(text, mContext->input->line, mContext->input->col);
+        markCurrent();
         fail(ctxt);
         mHandler.parserMessage(text, XmlSaxParserHandler::Fatal);
     }
@@ -191,8 +195,24 @@ private:
     const char* qualifiedName(const xmlChar* localName, const xmlChar* prefix);
     void resizeAttributes(std::size_t count);
 
+    // Position tracking for the handler, only when it asked for it.
+    void mark(int line, int column)
+    {
+        if (mPosition != nullptr) {
+            mPosition->line = line > 0 ? line : 0;
+            mPosition->column = line > 0 && column > 0 ? column : 0;
+        }
+    }
+    void markCurrent()
+    {
+        if (mPosition != nullptr && mContext != nullptr && mContext->input != nullptr)
+            mark(mContext->input->line, mContext->input->col);
+    }
+    void markTagStart(xmlParserCtxtPtr ctxt);
+
     XmlSaxParserHandler& mHandler;
     const vk::vkCancelInterface* mCancel;
+    XmlTextPosition* mPosition;
     xmlParserCtxtPtr mContext = nullptr;
 
     // Reused from element to element so that a warm parse does not allocate
@@ -307,6 +327,7 @@ void SaxSession::startElement(xmlParserCtxtPtr ctxt, const xmlChar* localName, c
             attribute.value.clear();
     }
 
+    markTagStart(ctxt);
     const int result = mHandler.startElement(qualifiedName(localName, prefix), mAttributes);
     if (result == XmlSaxParserHandler::SkipElement)
         mSkipDepth = 1;
@@ -324,6 +345,7 @@ void SaxSession::endElement(xmlParserCtxtPtr ctxt, const xmlChar* localName, con
         --mSkipDepth;
         return;
     }
+    markTagStart(ctxt);
     if (!mHandler.endElement(qualifiedName(localName, prefix)))
         fail(ctxt);
 }
@@ -338,8 +360,59 @@ void SaxSession::characters(xmlParserCtxtPtr ctxt, const xmlChar* data, int leng
         return;
     if (mSkipDepth > 0)
         return;
+    markCurrent();
     if (!mHandler.characters(reinterpret_cast<const char*>(data), length))
         fail(ctxt);
+}
+
+// A character's first byte, as libxml2 counts columns.
+bool startsCharacter(xmlChar byte) { return (byte & 0xC0) != 0x80; }
+
+void SaxSession::markTagStart(xmlParserCtxtPtr ctxt)
+{
+    if (mPosition == nullptr)
+        return;
+    const xmlParserInputPtr input = mContext->input;
+    // Inside an entity's text the document context stands at the reference.
+    if (ctxt != mContext || input == nullptr || input->base == nullptr || input->cur == nullptr ||
+        input->cur < input->base) {
+        markCurrent();
+        return;
+    }
+    // The parser stands at the end of the tag it has just read. '<' cannot
+    // occur inside a tag, not even in an attribute value, so the nearest one
+    // before opens it; its line and column are counted back from here.
+    const xmlChar* open = input->cur;
+    while (open > input->base && *(open - 1) != '<')
+        --open;
+    if (open == input->base) { // no longer buffered
+        markCurrent();
+        return;
+    }
+    --open;
+    int newlines = 0;
+    int characters = 0;
+    for (const xmlChar* p = open; p < input->cur; ++p) {
+        if (*p == '\n')
+            ++newlines;
+        else if (newlines == 0 && startsCharacter(*p))
+            ++characters;
+    }
+    if (newlines == 0) {
+        mark(input->line, input->col - characters);
+        return;
+    }
+    // A tag over several lines: its column needs the start of its own line.
+    const xmlChar* lineStart = open;
+    while (lineStart > input->base && *(lineStart - 1) != '\n')
+        --lineStart;
+    int column = 0;
+    if (lineStart > input->base || input->consumed == 0) {
+        column = 1;
+        for (const xmlChar* p = lineStart; p < open; ++p)
+            column += startsCharacter(*p) ? 1 : 0;
+    }
+    mark(input->line - newlines, column);
 }
 
 void SaxSession::reportError(const xmlError& error)
@@ -357,6 +430,7 @@ void SaxSession::reportError(const xmlError& error)
     while (!mMessage.empty() && (mMessage.back() == '\n' || mMessage.back() == '\r'))
         mMessage.pop_back();
     appendPosition(mMessage, error.line, error.int2);
+    mark(error.line, error.int2);
 
     // libxml2 delivers nothing more after a fatal error, whatever the
     // handler answers.
@@ -379,6 +453,7 @@ void SaxSession::onStartDocument(void* ctx)
         // subset in ctxt->myDoc, which this creates.
         xmlSAX2StartDocument(ctx);
         self->mDocumentStarted = true;
+        self->markCurrent();
         if (!self->mHandler.startDocument())
             self->fail(ctxt);
     });
@@ -394,6 +469,7 @@ void SaxSession::onEndDocument(void* ctx)
         // libxml2 ends malformed documents too; those are not offered.
         if (!self->accepting(ctxt) || self->mFailed || !self->mDocumentStarted || ctxt->wellFormed == 0)
             return;
+        self->markCurrent();
         self->mDocumentEnded = true;
         self->mDocumentAccepted = self->mHandler.endDocument();
     });
@@ -537,6 +613,7 @@ bool SaxSession::run(vk::vkIoDevice& device)
         const int64_t count = device.read(buffer.data(), static_cast<int64_t>(buffer.size()));
         if (count < 0 || count > static_cast<int64_t>(buffer.size())) {
             fail(mContext);
+            mark(0, 0);
             const std::string reason = device.errorString();
             mHandler.parserMessage(reason.empty() ? std::string("Cannot read the XML input")
                                                   : "Cannot read the XML input: " + reason,
@@ -553,6 +630,7 @@ bool SaxSession::run(vk::vkIoDevice& device)
             // libxml2's push parser calls this "Extra content at the end of
             // the document"; say what its other parsers say.
             fail(mContext);
+            mark(0, 0);
             mHandler.parserMessage("Document is empty", XmlSaxParserHandler::Fatal);
             break;
         }
@@ -572,6 +650,7 @@ bool SaxSession::run(vk::vkIoDevice& device)
         std::string reason = mGenericText.substr(0, mGenericText.find('\n'));
         while (!reason.empty() && reason.back() == ' ')
             reason.pop_back();
+        mark(0, 0);
         mHandler.parserMessage(reason.empty() ? "The XML document is not well-formed"
                                               : "The XML document is not well-formed: " + reason,
                                XmlSaxParserHandler::Fatal);
@@ -583,10 +662,16 @@ bool SaxSession::run(vk::vkIoDevice& device)
 
 bool ParseXmlStream(vk::vkIoDevice& device, XmlSaxParserHandler& handler, const vk::vkCancelInterface* cancel)
 {
+    return ParseXmlStream(device, handler, cancel, nullptr);
+}
+
+bool ParseXmlStream(vk::vkIoDevice& device, XmlSaxParserHandler& handler, const vk::vkCancelInterface* cancel,
+                    XmlTextPosition* position)
+{
     std::exception_ptr exception;
     bool result = false;
     {
-        SaxSession session(handler, cancel);
+        SaxSession session(handler, cancel, position);
         try {
             result = session.run(device);
         } catch (...) {

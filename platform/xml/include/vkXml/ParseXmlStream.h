@@ -47,6 +47,22 @@ class XmlSaxParserHandler;
 VKXML_API bool ParseXmlStream(vk::vkIoDevice& device, XmlSaxParserHandler& handler,
                               const vk::vkCancelInterface* cancel);
 
+/// A place in the parsed text: 1-based line and column (in characters), 0
+/// where unknown.
+struct XmlTextPosition {
+    int line = 0;
+    int column = 0;
+};
+
+/// The same parse, with `*position` (when not null) kept up to date for the
+/// handler: during startElement and endElement it holds where that tag
+/// begins, during characters where the parser stands, and during
+/// parserMessage the place libxml2 gave the message (0, 0 when it gave none,
+/// as for a device failure). Inside the text of an entity the position is
+/// that of the entity reference.
+VKXML_API bool ParseXmlStream(vk::vkIoDevice& device, XmlSaxParserHandler& handler, const vk::vkCancelInterface* cancel,
+                              XmlTextPosition* position);
+
 } // namespace vk::xml
 
 #endif
