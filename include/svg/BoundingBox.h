@@ -8,6 +8,8 @@
 namespace vk::svg {
 
 // Axis-aligned 2D box, used for viewBoxes and bounding-box estimation.
+/// Threads: a plain value with no shared state; one box may be read from
+/// several threads at once, but not read while another thread changes it.
 class VKSVG_API BoundingBox {
 public:
     // The invalid box (1, 1)-(-1, -1). Small finite corners rather than

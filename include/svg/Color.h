@@ -14,6 +14,8 @@ namespace vk::svg {
 // no case folding). `rgba` is first set to opaque red, so a failed call
 // leaves that behind, apart from components an rgb()/rgba() text had already
 // delivered before a later one failed.
+/// Threads: reads only a constant table; calls may run at once on any
+/// threads with different `rgba` outputs.
 VKSVG_API bool ParseSvgColor(const std::string& text, Wm4::Vector4<unsigned char>& rgba);
 
 } // namespace vk::svg

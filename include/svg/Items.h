@@ -67,6 +67,11 @@ class Document;
 // The base of every item: its type, own transform, id and presentation
 // attributes, and the hooks through which it writes itself and reports its
 // extent.
+/// Threads: items have no locks and share nothing but their children
+/// (through shared pointers). Any number of threads may read one tree at once
+/// (const calls: accessors, copies, writing, segmentation, bounding boxes);
+/// a thread that changes a tree (edit accessors, addChild, assignment) must
+/// be the only one using that tree. Different trees are independent.
 class VKSVG_API ItemInterface {
 public:
     virtual ~ItemInterface();

@@ -16,6 +16,7 @@ enum class LoadProfile : uint32_t {
     Full = 1,
 };
 
+/// Threads: options records are plain values, copied into each request.
 struct LoadOptions {
     // Skip unsupported elements and attributes with a warning instead of
     // failing the load. Only the subset profile looks at it: the full

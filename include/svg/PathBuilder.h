@@ -24,6 +24,8 @@ namespace vk::svg {
 // it writes them, optionally reordered so that each one starts where the
 // previous one ended, and closes the path. Outside a contour each primitive
 // is written at once.
+/// Threads: a builder is one thread's object at a time; different builders
+/// may run at once on any threads.
 class VKSVG_API PathBuilder {
 public:
     enum class PrimitiveType : uint32_t {

@@ -31,6 +31,7 @@ enum class PathCommandType : uint8_t {
 // One command of a path as written in its data, after implicit repetitions
 // have been split apart. Relative commands stay relative. Arc flags are
 // stored as 1.0 (set) and 0.0 (clear).
+/// Threads: a plain value with no shared state.
 struct VKSVG_API PathCommand {
     PathCommandType type;
     std::vector<float> values;

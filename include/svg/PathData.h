@@ -28,6 +28,9 @@ namespace vk::svg {
 // scanner reaches throws utfcpp's exception (utf8::exception) out of visit().
 // That is the only exception; syntax errors are reported through
 // getErrorString().
+/// Threads: a scanner is one thread's object at a time; different scanners,
+/// and ConvertPathStringToCommands with different outputs, may run at once on
+/// any threads.
 class VKSVG_API PathVisitorStrToTokens {
 public:
     using Callback = std::function<void(char, std::vector<float>&&)>;

@@ -19,6 +19,9 @@ namespace vk::svg {
 // An absolute piece of geometry taken from a path: a line, an elliptical arc
 // in centre form or a cubic Bezier curve. Consumers switch on `type` and
 // downcast.
+/// Threads: primitives are plain values, and a PathVisitorCommandsToPrimitives
+/// is one thread's object at a time; different visitors may run at once on
+/// any threads, also over the same (unchanging) command list.
 class VKSVG_API PathPrimitive {
 public:
     enum Type : uint32_t {

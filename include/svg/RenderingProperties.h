@@ -52,6 +52,8 @@ enum class VectorEffect : uint32_t {
 // means the attribute was absent, and cascadeParent fills it from the parent.
 // Paints stay text until a colour is asked for, so the source spelling
 // survives a load and save.
+/// Threads: a plain value; one record may be read from several threads at
+/// once, but not read while another thread changes it.
 class VKSVG_API RenderingProperties {
 public:
     RenderingProperties() = default;

@@ -18,6 +18,8 @@ namespace vk::svg {
 // count as leading ("abc\n def" gives "abcdef"), and blank runs on both
 // sides of a later line break each leave a space ("x a \n b" gives
 // "x a  b").
+/// Threads: both are pure functions of their argument and may run at once
+/// on any threads.
 VKSVG_API std::string ApplySvgXMLSpaceDefault(const std::string& text);
 
 // xml:space="preserve": every tab and line break becomes one space; the

@@ -23,6 +23,8 @@ enum class Unit : uint32_t {
 };
 
 // A number together with the unit it was written in.
+/// Threads: a plain value; parseVal and UnitToString keep no state and may
+/// run at once on any threads with different outputs.
 struct VKSVG_API UnitValue {
     float value = 0.0f;
     Unit unit = Unit::None;

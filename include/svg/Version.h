@@ -4,6 +4,8 @@
 #include <svg/Export.h>
 
 // The library's version. Every string is a static constant: never free it.
+/// Threads: every query returns a constant and may run on any thread at any
+/// time, even outside initializeVkSvg and terminateVkSvg.
 namespace vkSvg::Version {
 
 VKSVG_API int GetMajor();

@@ -32,6 +32,10 @@ enum WriteErrorCode : int32_t {
 // point removed, and "-0" written as "0". Never uses the process locale.
 // With options.shortestNumbers (and no precision) the fixed decimals give
 // way to the fewest digits that read back to the same float.
+/// Threads: the number format and the attribute writers keep no state of
+/// their own; calls may run at once on any threads as long as each save
+/// context is used by one thread at a time. Failures are logged through the
+/// process log, which serialises its entries.
 VKSVG_API std::string floatToSvgNumber(float value, const SaveOptions& options);
 
 // Attribute writers. Each returns false on failure, after setting the

@@ -25,6 +25,10 @@ enum class DriverMatch : int {
 
 // The base of every load/save driver: it keeps the warnings and errors of the
 // driver's last request, in the order they were produced.
+/// Threads: the message list is the driver's own unlocked state, rewritten by
+/// every request, so one driver object serves one request at a time. Use a
+/// driver object per thread, or LoadSvgDocument and SaveSvgDocument
+/// (svg/DocumentIO.h), to work on several threads.
 template <class LoadKey, class SaveKey, class LoadOptionsT, class SaveOptionsT> class VKSVG_API vkCoreDriver {
 public:
     using LoadKeyType = LoadKey;

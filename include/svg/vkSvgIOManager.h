@@ -20,6 +20,12 @@ namespace vk::svg {
 // The single entry point for loading and saving: it asks the registered
 // drivers which fits a request best and hands the request to that driver.
 // One instance exists between initializeVkSvg and terminateVkSvg.
+/// Threads: the manager has no lock. Its loads and saves run the registered
+/// driver, whose message list every request rewrites, so only one load or
+/// save through the manager may run at a time in the whole process, and
+/// registration must not overlap with any of them. For loads and saves on
+/// several threads use LoadSvgDocument and SaveSvgDocument (svg/DocumentIO.h),
+/// which may also run alongside the manager's one request.
 class VKSVG_API vkSvgIOManager {
 public:
     vkSvgIOManager();
@@ -43,9 +49,15 @@ public:
 
     // The key of a file request is the file's extension; of a device request
     // the caller's `name` as given. progress, options and messages may be
-    // null. When a driver runs, *messages is replaced by its messages.
-    // Without a driver a load fails silently and a save fails with a
-    // message appended.
+    // null.
+    /// Messages: when a driver was chosen, *messages is cleared and then
+    /// receives a copy of the driver's messages for this request, whether it
+    /// succeeded or not, so what the list held before is gone. When no
+    /// driver matches the key, a load returns false and leaves *messages as
+    /// it was, and a save returns false and appends (without clearing)
+    /// "No driver available to save '<key>'". Key matching is the drivers'
+    /// own: the built-in driver takes exactly "svg", so "icon.SVG" or a name
+    /// without extension finds none; LoadSvgDocument reads any name.
     bool loadSvg(ItemInterfacePointer<ItemInterface>& root, const std::string& fileName,
                  vk::vkProgressNotifierInterface* progress, const LoadOptions* options,
                  std::list<std::string>* messages) const;
