@@ -77,6 +77,10 @@ struct TreeNode {
     uint32_t attributeCount = 0;
     // The local name of an element; the text of a CharacterData node.
     std::string name;
+    // Where the element's start tag begins (1-based), 0 when not tracked:
+    // so that what the later stages say about it can point there.
+    int line = 0;
+    int column = 0;
 };
 
 class ElementTree {

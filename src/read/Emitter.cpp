@@ -56,8 +56,9 @@ struct Frame {
 class Emitter {
 public:
     Emitter(const ElementTree& tree, const StyleSheet& sheet, const WarningSink& error, const WarningSink& warning,
-            const EmitLimits& limits)
-        : mTree(tree), mCascade(tree, sheet, warning), mError(error), mWarning(warning), mLimits(limits)
+            const EmitLimits& limits, vk::xml::XmlTextPosition* position)
+        : mTree(tree), mCascade(tree, sheet, warning), mError(error), mWarning(warning), mLimits(limits),
+          mPosition(position)
     {
     }
 
@@ -76,6 +77,9 @@ public:
         Frame frame;
         emitRoot(*document, frame);
         if (mFailed) {
+            // Reported once the walk is over, at the element that failed.
+            if (mPosition != nullptr)
+                *mPosition = mFailurePosition;
             error(mFailure);
             return false;
         }
@@ -103,6 +107,8 @@ private:
         if (!mFailed) {
             mFailed = true;
             mFailure = text;
+            if (mPosition != nullptr)
+                mFailurePosition = *mPosition;
         }
     }
 
@@ -415,6 +421,7 @@ private:
     void emitRoot(Document& document, Frame& frame)
     {
         const ElementIndex root = mTree.root;
+        const PositionScope scope(mPosition, mTree.node(root));
         ComputedStyle initial;
         // Sizes on the root: lengths in absolute units; a percentage has no
         // viewport to refer to and counts as absent.
@@ -492,9 +499,34 @@ private:
         return true;
     }
 
+    // Points the message position at an element while it is emitted, and
+    // back at the enclosing one afterwards.
+    class PositionScope {
+    public:
+        PositionScope(vk::xml::XmlTextPosition* position, const TreeNode& node) : mPosition(position)
+        {
+            if (mPosition == nullptr)
+                return;
+            mSaved = *mPosition;
+            *mPosition = {node.line, node.column};
+        }
+        ~PositionScope()
+        {
+            if (mPosition != nullptr)
+                *mPosition = mSaved;
+        }
+        PositionScope(const PositionScope&) = delete;
+        PositionScope& operator=(const PositionScope&) = delete;
+
+    private:
+        vk::xml::XmlTextPosition* mPosition;
+        vk::xml::XmlTextPosition mSaved;
+    };
+
     std::shared_ptr<ItemInterface> emitElement(ElementIndex element, const Frame& frame)
     {
         const TreeNode& node = mTree.node(element);
+        const PositionScope scope(mPosition, node);
         switch (node.tag) {
         case ElementTag::CharacterData:
         case ElementTag::Defs:
@@ -896,14 +928,16 @@ private:
     std::size_t mReferencedItems = 0;
     bool mFailed = false;
     std::string mFailure;
+    vk::xml::XmlTextPosition* mPosition;
+    vk::xml::XmlTextPosition mFailurePosition;
 };
 
 } // namespace
 
 bool EmitItems(const ElementTree& tree, const StyleSheet& sheet, const WarningSink& error, const WarningSink& warning,
-               ItemInterfacePointer<ItemInterface>& root, const EmitLimits& limits)
+               ItemInterfacePointer<ItemInterface>& root, const EmitLimits& limits, vk::xml::XmlTextPosition* position)
 {
-    Emitter emitter(tree, sheet, error, warning, limits);
+    Emitter emitter(tree, sheet, error, warning, limits, position);
     return emitter.emit(root);
 }
 

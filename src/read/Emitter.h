@@ -6,6 +6,8 @@
 
 #include <svg/Items.h>
 
+#include <vkXml/ParseXmlStream.h>
+
 #include <cstddef>
 
 namespace vk::svg::impl {
@@ -23,9 +25,12 @@ struct EmitLimits {
 // styles cascaded, references expanded, units resolved, every shape made an
 // item of the library's own types. Returns false, with an error, for a root
 // that is not svg, a reference loop or a reference expansion beyond the
-// limits; `root` is then left as it was.
+// limits; `root` is then left as it was. With `position`, each message finds
+// there the start tag of the element being emitted (of the element itself,
+// not of a use that copies it).
 bool EmitItems(const ElementTree& tree, const StyleSheet& sheet, const WarningSink& error, const WarningSink& warning,
-               ItemInterfacePointer<ItemInterface>& root, const EmitLimits& limits = EmitLimits());
+               ItemInterfacePointer<ItemInterface>& root, const EmitLimits& limits = EmitLimits(),
+               vk::xml::XmlTextPosition* position = nullptr);
 
 } // namespace vk::svg::impl
 

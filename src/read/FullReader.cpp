@@ -33,12 +33,13 @@ bool ReadFullProfile(ItemInterfacePointer<ItemInterface>& root, vk::vkIoDevice& 
     ElementTree tree;
     if (!BuildElementTree(device, tree, error, warning, position))
         return false;
-    // What the later stages say belongs to no one place of the text.
+    // Style sheets belong to no one element; the emitter points at each
+    // element it works on.
     if (position != nullptr)
         *position = {};
     StyleSheet sheet;
     GatherStyleSheets(tree, sheet, warning);
-    return EmitItems(tree, sheet, error, warning, root);
+    return EmitItems(tree, sheet, error, warning, root, EmitLimits(), position);
 }
 
 } // namespace vk::svg::impl

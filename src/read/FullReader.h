@@ -47,7 +47,8 @@ namespace vk::svg::impl {
 // that is not well-formed XML, a root that is not svg, a reference loop or
 // an expansion beyond the budget) fail the load and leave `root` as it was;
 // everything else is a warning. With `position`, messages of the parse
-// find it at their place in the text; for the later stages it is cleared.
+// find it at their place in the text, and those of the later stages at the
+// element they concern (none for style sheets).
 bool ReadFullProfile(ItemInterfacePointer<ItemInterface>& root, vk::vkIoDevice& device,
                      const std::function<void(const std::string&)>& error,
                      const std::function<void(const std::string&)>& warning,

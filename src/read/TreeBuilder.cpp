@@ -72,8 +72,9 @@ std::pair<std::string_view, std::string_view> SplitQualified(std::string_view na
 
 class Builder : public vk::xml::XmlSaxParserHandler {
 public:
-    Builder(ElementTree& tree, const MessageSink& error, const MessageSink& warning)
-        : mTree(tree), mError(error), mWarning(warning)
+    Builder(ElementTree& tree, const MessageSink& error, const MessageSink& warning,
+            const vk::xml::XmlTextPosition* position)
+        : mTree(tree), mError(error), mWarning(warning), mPosition(position)
     {
     }
 
@@ -217,6 +218,10 @@ private:
         TreeNode& node = mTree.nodes.back();
         node.tag = tag;
         node.parent = parent;
+        if (mPosition != nullptr) {
+            node.line = mPosition->line;
+            node.column = mPosition->column;
+        }
         if (parent != kNoElement) {
             TreeNode& p = mTree.nodes[parent];
             if (p.lastChild == kNoElement)
@@ -271,6 +276,7 @@ private:
     ElementTree& mTree;
     const MessageSink& mError;
     const MessageSink& mWarning;
+    const vk::xml::XmlTextPosition* mPosition;
     std::vector<std::pair<std::string, std::string>> mBindings;
     std::vector<Scope> mScopes;
     std::size_t mForeignElements = 0;
@@ -292,10 +298,13 @@ ElementTag TagOfName(std::string_view localName)
 bool BuildElementTree(vk::vkIoDevice& device, ElementTree& tree, const MessageSink& error, const MessageSink& warning,
                       vk::xml::XmlTextPosition* position)
 {
-    Builder builder(tree, error, warning);
+    Builder builder(tree, error, warning, position);
     const bool parsed = vk::xml::ParseXmlStream(device, builder, nullptr, position);
     if (!parsed)
         return false;
+    // The summaries of what was dropped belong to no one place.
+    if (position != nullptr)
+        *position = {};
     builder.finish();
     return true;
 }
