@@ -3,6 +3,7 @@
 
 #include <svg/Export.h>
 
+#include <wm4/Wm4Matrix3.h>
 #include <wm4/Wm4Vector2.h>
 
 #include <cstdint>
@@ -45,6 +46,81 @@ VKSVG_API bool TessellateFill(const std::vector<std::vector<Wm4::Vector2<float>>
 // An odd-length edge list or an index out of range gives false.
 VKSVG_API bool TessellateFill(const std::vector<Wm4::Vector2<float>>& points, const std::vector<uint32_t>& edges,
                               WindingRule rule, FillMesh& mesh, std::string* error = nullptr);
+
+/// How two segments of a stroke meet, as SVG's stroke-linejoin says.
+/// Miter falls back to Bevel where the miter would be longer than the miter
+/// limit allows; MiterClip cuts such a miter off at the limit instead. Arcs
+/// joins two straight segments with "arcs" of zero curvature, which are the
+/// segments' own extensions: on polylines it is exactly MiterClip.
+enum class StrokeJoin : uint32_t {
+    Miter = 0,
+    MiterClip = 1,
+    Round = 2,
+    Bevel = 3,
+    Arcs = 4,
+};
+
+/// The ends of open subpaths and of dashes, as SVG's stroke-linecap says.
+enum class StrokeCap : uint32_t {
+    Butt = 0,
+    Round = 1,
+    Square = 2,
+};
+
+/// Fast lets the pieces of a stroke overlap (fine for opaque paint: at most
+/// two triangles per straight segment plus those of joins and caps).
+/// NonOverlapping covers every point of the stroke exactly once, as
+/// translucent paint needs, at the cost of uniting the pieces.
+enum class StrokeMode : uint32_t {
+    Fast = 0,
+    NonOverlapping = 1,
+};
+
+/// The stroke properties of SVG, in the units of the polylines.
+struct VKSVG_API StrokeStyle {
+    /// Stroke width; zero, negative or non-finite strokes nothing.
+    float width = 1.0f;
+    StrokeJoin join = StrokeJoin::Miter;
+    StrokeCap cap = StrokeCap::Butt;
+    /// Longest miter, in multiples of the width; below 1 or NaN is invalid
+    /// in SVG, and the default 4 is used.
+    float miterLimit = 4.0f;
+    /// Dash and gap lengths, alternating; an odd count is repeated once.
+    /// Empty, all zero, or with a negative or non-finite entry strokes solid.
+    std::vector<float> dashArray;
+    /// Distance into the pattern at which every subpath starts; may be
+    /// negative. A non-finite offset counts as 0.
+    float dashOffset = 0.0f;
+    /// Largest distance of round joins and caps from the true circle, in
+    /// output units. Not positive means the coarsest circles.
+    float tolerance = 0.25f;
+    StrokeMode mode = StrokeMode::Fast;
+};
+
+/// One subpath of a stroke. A closed one is joined at its first point
+/// instead of capped; a repeated last point equal to the first is allowed.
+struct VKSVG_API StrokePolyline {
+    std::vector<Wm4::Vector2<float>> points;
+    bool closed = false;
+};
+
+/// Strokes polylines as SVG user agents do: width, joins, caps, dashes (the
+/// pattern restarts on every subpath and runs on around corners and across
+/// the closing segment), and zero-length subpaths drawn as dots with round
+/// and square caps (a lone unclosed point draws nothing). `mesh` is
+/// replaced; its triangles all have positive area. Only non-finite
+/// coordinates, or a stroke too large for float coordinates or 32-bit
+/// indices, give false, with the reason in `*error` when it is not null.
+VKSVG_API bool TessellateStroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& style, FillMesh& mesh,
+                                std::string* error = nullptr);
+
+/// The same, with every vertex mapped by the affine `transform`
+/// (x' = m00 x + m01 y + m02, y' = m10 x + m11 y + m12) after the stroke is
+/// built in the polylines' units, as SVG strokes in user space: a
+/// non-uniform scale makes the width vary with direction. The tolerance
+/// holds in the mapped units. A non-finite transform gives false.
+VKSVG_API bool TessellateStroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& style,
+                                const Wm4::Matrix3<float>& transform, FillMesh& mesh, std::string* error = nullptr);
 
 } // namespace vk::svg
 

@@ -1,0 +1,500 @@
+#include <svg/Tessellation.h>
+
+#include "tessellate/Dash.h"
+#include "tessellate/Flatten.h"
+#include "tessellate/Stroke.h"
+#include "tessellate/StrokeGeometry.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <exception>
+#include <limits>
+#include <new>
+
+namespace vk::svg {
+namespace {
+
+using impl::Point;
+using V2 = Wm4::Vector2<float>;
+
+constexpr double kPi = 3.14159265358979323846;
+
+void SetError(std::string* error, std::string text)
+{
+    if (error) {
+        *error = std::move(text);
+    }
+}
+
+struct Affine {
+    double m00 = 1, m01 = 0, m02 = 0;
+    double m10 = 0, m11 = 1, m12 = 0;
+
+    Point apply(Point p) const { return {m00 * p.x + m01 * p.y + m02, m10 * p.x + m11 * p.y + m12}; }
+    bool finite() const
+    {
+        return std::isfinite(m00) && std::isfinite(m01) && std::isfinite(m02) && std::isfinite(m10) &&
+               std::isfinite(m11) && std::isfinite(m12);
+    }
+    // The largest singular value of the linear part: how much a length
+    // grows at most, so that a tolerance in output units can be taken back.
+    double maxScale() const
+    {
+        const double e = (m00 + m11) / 2, f = (m00 - m11) / 2, g = (m10 + m01) / 2, h = (m10 - m01) / 2;
+        return std::hypot(e, h) + std::hypot(f, g);
+    }
+};
+
+// Turns the pieces of a stroke into the mesh (Fast) or into positive rings
+// for the union (NonOverlapping).
+class Builder {
+public:
+    Builder(const StrokeStyle& style, double radius, double miterLimit, const Affine& transform, unsigned circleSteps)
+        : mJoin(style.join), mCap(style.cap), mRadius(radius), mLimit(miterLimit), mTransform(transform),
+          mCircleSteps(circleSteps), mPieces(style.mode == StrokeMode::NonOverlapping)
+    {
+    }
+
+    void polyline(const std::vector<Point>& points, bool closed)
+    {
+        const std::size_t m = points.size();
+        const std::size_t segments = closed ? m : m - 1;
+        Point firstDirection;
+        uint32_t firstLeft = 0, firstRight = 0;
+        Point previousDirection;
+        uint32_t previousLeft = 0, previousRight = 0;
+        for (std::size_t i = 0; i < segments; ++i) {
+            const Point a = points[i];
+            const Point b = points[i + 1 < m ? i + 1 : 0];
+            const Point d = (b - a) * (1.0 / Length(b - a));
+            const Point offset = Normal(d) * mRadius;
+            const uint32_t startLeft = vertex(a + offset);
+            const uint32_t startRight = vertex(a - offset);
+            const uint32_t endLeft = vertex(b + offset);
+            const uint32_t endRight = vertex(b - offset);
+            piece({startLeft, endLeft, endRight, startRight});
+            if (i == 0) {
+                firstDirection = d;
+                firstLeft = startLeft;
+                firstRight = startRight;
+                if (!closed) {
+                    cap(a, d * -1.0, startRight, startLeft);
+                }
+            } else {
+                join(a, previousDirection, d, previousLeft, previousRight, startLeft, startRight);
+            }
+            previousDirection = d;
+            previousLeft = endLeft;
+            previousRight = endRight;
+        }
+        if (closed) {
+            join(points[0], previousDirection, firstDirection, previousLeft, previousRight, firstLeft, firstRight);
+        } else {
+            cap(points[m - 1], previousDirection, previousLeft, previousRight);
+        }
+    }
+
+    // A zero-length subpath or dash: SVG draws it only with round or square
+    // caps, the square turned along `direction`.
+    void dot(Point center, Point direction)
+    {
+        if (mCap == StrokeCap::Round) {
+            mRing.clear();
+            for (unsigned i = 0; i < mCircleSteps; ++i) {
+                const double angle = 2.0 * kPi * double(i) / double(mCircleSteps);
+                mRing.push_back(vertex(center + Point{std::cos(angle), std::sin(angle)} * mRadius));
+            }
+            emitRing();
+        } else if (mCap == StrokeCap::Square) {
+            const Point along = direction * mRadius;
+            const Point across = Normal(direction) * mRadius;
+            piece({vertex(center + along + across), vertex(center - along + across), vertex(center - along - across),
+                   vertex(center + along - across)});
+        }
+    }
+
+    bool overflowed() const { return mOverflow; }
+    bool tooManyVertices() const { return mTooMany; }
+    FillMesh& mesh() { return mMesh; }
+    std::vector<std::vector<V2>>& pieces() { return mRings; }
+
+private:
+    uint32_t vertex(Point p)
+    {
+        const Point q = mTransform.apply(p);
+        const auto x = float(q.x);
+        const auto y = float(q.y);
+        if (!std::isfinite(x) || !std::isfinite(y)) {
+            mOverflow = true;
+        }
+        if (mMesh.vertices.size() >= std::numeric_limits<uint32_t>::max()) {
+            mTooMany = true;
+            return 0;
+        }
+        mMesh.vertices.emplace_back(x, y);
+        return uint32_t(mMesh.vertices.size() - 1);
+    }
+
+    double cross(uint32_t a, uint32_t b, uint32_t c) const
+    {
+        const V2& p = mMesh.vertices[a];
+        const V2& q = mMesh.vertices[b];
+        const V2& r = mMesh.vertices[c];
+        return (double(q.X()) - p.X()) * (double(r.Y()) - p.Y()) - (double(q.Y()) - p.Y()) * (double(r.X()) - p.X());
+    }
+
+    void triangle(uint32_t a, uint32_t b, uint32_t c)
+    {
+        const double area = cross(a, b, c);
+        if (!(area != 0.0) || mOverflow || mTooMany) {
+            return;
+        }
+        mMesh.indices.push_back(a);
+        mMesh.indices.push_back(area > 0 ? b : c);
+        mMesh.indices.push_back(area > 0 ? c : b);
+    }
+
+    void piece(std::initializer_list<uint32_t> ring)
+    {
+        mRing.assign(ring.begin(), ring.end());
+        emitRing();
+    }
+
+    // mRing is convex and in order; Fast mode fans it from its first vertex.
+    void emitRing()
+    {
+        if (mOverflow || mTooMany) {
+            return;
+        }
+        if (!mPieces) {
+            for (std::size_t i = 1; i + 1 < mRing.size(); ++i) {
+                triangle(mRing[0], mRing[i], mRing[i + 1]);
+            }
+            return;
+        }
+        std::vector<V2> ring;
+        ring.reserve(mRing.size());
+        double area = 0.0;
+        for (std::size_t i = 0; i < mRing.size(); ++i) {
+            ring.push_back(mMesh.vertices[mRing[i]]);
+            if (i >= 2) {
+                area += cross(mRing[0], mRing[i - 1], mRing[i]);
+            }
+        }
+        if (!(area != 0.0)) {
+            return;
+        }
+        if (area < 0.0) {
+            std::reverse(ring.begin(), ring.end());
+        }
+        mRings.push_back(std::move(ring));
+    }
+
+    // The piece on the outer side of the turn at `p` from direction `in` to
+    // `out`, between the end offsets of the incoming segment and the start
+    // offsets of the outgoing one.
+    void join(Point p, Point in, Point out, uint32_t inLeft, uint32_t inRight, uint32_t outLeft, uint32_t outRight)
+    {
+        const double sine = Cross(in, out);
+        const double cosine = Dot(in, out);
+        if (sine == 0.0 && cosine > 0.0) {
+            return;
+        }
+        // A left turn opens on the right; a full reversal is taken as one.
+        const bool right = sine >= 0.0;
+        const uint32_t a = right ? inRight : inLeft;
+        const uint32_t b = right ? outRight : outLeft;
+        const Point offsetA = Normal(in) * (right ? -mRadius : mRadius);
+        const Point offsetB = Normal(out) * (right ? -mRadius : mRadius);
+        const uint32_t center = vertex(p);
+
+        if (mJoin == StrokeJoin::Round) {
+            double turn = std::fabs(std::atan2(sine, cosine));
+            turn = right ? turn : -turn;
+            const auto steps = unsigned(std::max(1.0, std::ceil(std::fabs(turn) / (2.0 * kPi) * mCircleSteps)));
+            mRing.assign({center, a});
+            for (unsigned i = 1; i < steps; ++i) {
+                const double angle = turn * double(i) / double(steps);
+                const double c = std::cos(angle), s = std::sin(angle);
+                mRing.push_back(vertex(p + Point{offsetA.x * c - offsetA.y * s, offsetA.x * s + offsetA.y * c}));
+            }
+            mRing.push_back(b);
+            emitRing();
+            return;
+        }
+        if (mJoin == StrokeJoin::Bevel) {
+            piece({center, a, b});
+            return;
+        }
+        // Half the angle between the segments: the miter reaches
+        // radius / cos(half) from p, a ratio of 1 / cos(half) to the width.
+        const double cosHalf = std::sqrt(std::max(0.0, (1.0 + cosine) / 2.0));
+        const double sinHalf = std::sqrt(std::max(0.0, (1.0 - cosine) / 2.0));
+        if (cosHalf * mLimit >= 1.0) {
+            const Point tip = p + (offsetA + offsetB) * (1.0 / (1.0 + cosine));
+            piece({center, a, vertex(tip), b});
+            return;
+        }
+        if (mJoin == StrokeJoin::Miter) {
+            piece({center, a, b});
+            return;
+        }
+        // MiterClip (and Arcs, whose arcs are straight here): the miter cut
+        // square to the bisector at miterLimit * width / 2 from p.
+        const double along = (mLimit * mRadius - mRadius * cosHalf) / sinHalf;
+        const Point clipA = p + offsetA + in * along;
+        const Point clipB = p + offsetB - out * along;
+        piece({center, a, vertex(clipA), vertex(clipB), b});
+    }
+
+    // The cap at `end`, facing `outward`; `left` and `right` are the offset
+    // vertices there, on the left and right of `outward`.
+    void cap(Point end, Point outward, uint32_t left, uint32_t right)
+    {
+        if (mCap == StrokeCap::Square) {
+            const Point reach = outward * mRadius;
+            const Point across = Normal(outward) * mRadius;
+            piece({left, vertex(end + across + reach), vertex(end - across + reach), right});
+        } else if (mCap == StrokeCap::Round) {
+            const unsigned steps = std::max(2u, (mCircleSteps + 1) / 2);
+            const Point offset = Normal(outward) * mRadius;
+            mRing.assign({left});
+            for (unsigned i = 1; i < steps; ++i) {
+                // Clockwise from the left side, through `outward`.
+                const double angle = -kPi * double(i) / double(steps);
+                const double c = std::cos(angle), s = std::sin(angle);
+                mRing.push_back(vertex(end + Point{offset.x * c - offset.y * s, offset.x * s + offset.y * c}));
+            }
+            mRing.push_back(right);
+            emitRing();
+        }
+    }
+
+    StrokeJoin mJoin;
+    StrokeCap mCap;
+    double mRadius;
+    double mLimit;
+    Affine mTransform;
+    unsigned mCircleSteps;
+    bool mPieces;
+    bool mOverflow = false;
+    bool mTooMany = false;
+    FillMesh mMesh;
+    std::vector<uint32_t> mRing;
+    std::vector<std::vector<V2>> mRings;
+};
+
+struct Subpath {
+    std::vector<Point> points;
+    bool closed = false;
+};
+
+// Drops repeated points and a closing repeat of the first point.
+Subpath Prepare(const StrokePolyline& polyline)
+{
+    Subpath subpath;
+    subpath.closed = polyline.closed;
+    subpath.points.reserve(polyline.points.size());
+    for (const V2& p : polyline.points) {
+        const Point q{double(p.X()), double(p.Y())};
+        if (subpath.points.empty() || subpath.points.back() != q) {
+            subpath.points.push_back(q);
+        }
+    }
+    if (subpath.closed) {
+        while (subpath.points.size() > 1 && subpath.points.back() == subpath.points.front()) {
+            subpath.points.pop_back();
+        }
+    }
+    return subpath;
+}
+
+double PathLength(const Subpath& subpath)
+{
+    double length = 0.0;
+    const std::size_t m = subpath.points.size();
+    for (std::size_t i = 0; i + 1 < m; ++i) {
+        length += Length(subpath.points[i + 1] - subpath.points[i]);
+    }
+    if (subpath.closed && m > 1) {
+        length += Length(subpath.points[0] - subpath.points[m - 1]);
+    }
+    return length;
+}
+
+// SVG draws a zero-length subpath only when it was closed or had a second
+// point: a lone moveto draws nothing.
+bool IsDot(const Subpath& subpath, const StrokePolyline& source)
+{
+    return subpath.points.size() == 1 && (source.closed || source.points.size() > 1);
+}
+
+void Emit(Builder& builder, const impl::Dash& dash)
+{
+    if (dash.points.size() == 1) {
+        builder.dot(dash.points[0], dash.direction);
+    } else if (!dash.points.empty()) {
+        builder.polyline(dash.points, dash.closed);
+    }
+}
+
+bool Stroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& style, const Affine& transform,
+            FillMesh& mesh, std::string* error)
+{
+    if (!transform.finite()) {
+        SetError(error, "The transform is not finite");
+        return false;
+    }
+    for (std::size_t i = 0; i < polylines.size(); ++i) {
+        const auto& points = polylines[i].points;
+        for (std::size_t j = 0; j < points.size(); ++j) {
+            if (!std::isfinite(points[j].X()) || !std::isfinite(points[j].Y())) {
+                SetError(error, "Polyline " + std::to_string(i) + " point " + std::to_string(j) + " is not finite");
+                return false;
+            }
+        }
+    }
+    const double width = double(style.width);
+    const double scale = transform.maxScale();
+    if (!(width > 0.0) || !std::isfinite(width) || !(scale > 0.0) || !std::isfinite(scale)) {
+        return true;
+    }
+    const double radius = width / 2.0;
+    const double limit = style.miterLimit >= 1.0f ? double(style.miterLimit) : 4.0;
+
+    std::vector<Subpath> subpaths;
+    subpaths.reserve(polylines.size());
+    std::size_t pointCount = 0;
+    double totalLength = 0.0;
+    for (const StrokePolyline& polyline : polylines) {
+        subpaths.push_back(Prepare(polyline));
+        pointCount += subpaths.back().points.size();
+        totalLength += PathLength(subpaths.back());
+    }
+
+    impl::DashPattern pattern;
+    bool dashed = impl::MakeDashPattern(style.dashArray, style.dashOffset, pattern);
+
+    // Round pieces share one budget of steps: a join, a cap and a dot each
+    // count as a full circle at most.
+    const double userTolerance = double(style.tolerance) / scale;
+    unsigned steps = impl::CircleSteps(float(radius), float(userTolerance));
+    if (!(userTolerance > 0.0) || !std::isfinite(userTolerance)) {
+        steps = impl::CircleSteps(float(radius), 0.0f);
+    }
+    steps = std::min(steps, impl::kMaxCircleSteps);
+    if (style.join == StrokeJoin::Round || style.cap != StrokeCap::Butt) {
+        double pieces = double(pointCount) + 2.0 * double(subpaths.size());
+        if (dashed) {
+            const double dashes = totalLength / pattern.period * double(pattern.ends.size() / 2);
+            pieces += 2.0 * std::min(dashes, double(impl::kMaxDashEntries));
+        }
+        if (pieces * steps > impl::kRoundStepBudget) {
+            steps = std::min(steps, std::max(impl::kMinCircleSteps, unsigned(impl::kRoundStepBudget / pieces)));
+        }
+    }
+
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        Builder builder(style, radius, limit, transform, steps);
+        std::size_t budget = impl::kMaxDashEntries;
+        std::vector<impl::Dash> dashes;
+        bool restart = false;
+        for (std::size_t i = 0; i < subpaths.size() && !restart; ++i) {
+            const Subpath& subpath = subpaths[i];
+            if (subpath.points.empty()) {
+                continue;
+            }
+            if (subpath.points.size() == 1 && !IsDot(subpath, polylines[i])) {
+                continue;
+            }
+            if (subpath.points.size() == 1 && !dashed) {
+                builder.dot(subpath.points[0], Point{1.0, 0.0});
+                continue;
+            }
+            if (!dashed) {
+                builder.polyline(subpath.points, subpath.closed);
+                continue;
+            }
+            dashes.clear();
+            if (!impl::CutDashes(subpath.points, subpath.closed, pattern, budget, dashes)) {
+                // Too fine to draw: stroke the whole call solid instead.
+                dashed = false;
+                restart = true;
+                break;
+            }
+            for (const impl::Dash& dash : dashes) {
+                Emit(builder, dash);
+            }
+            if (builder.overflowed() || builder.tooManyVertices()) {
+                break;
+            }
+        }
+        if (restart) {
+            continue;
+        }
+        if (builder.overflowed()) {
+            SetError(error, "The stroke reaches beyond the float range");
+            return false;
+        }
+        if (builder.tooManyVertices()) {
+            SetError(error, "The stroke needs more vertices than 32-bit indices reach");
+            return false;
+        }
+        if (style.mode == StrokeMode::NonOverlapping) {
+            const auto rings = std::move(builder.pieces());
+            builder.mesh() = FillMesh{};
+            return TessellateFill(rings, WindingRule::NonZero, mesh, error);
+        }
+        mesh = std::move(builder.mesh());
+        break;
+    }
+
+    // Vertices of pieces that rounding flattened are left out.
+    std::vector<uint32_t> remap(mesh.vertices.size(), std::numeric_limits<uint32_t>::max());
+    uint32_t used = 0;
+    for (uint32_t& index : mesh.indices) {
+        if (remap[index] == std::numeric_limits<uint32_t>::max()) {
+            remap[index] = used;
+            mesh.vertices[used++] = mesh.vertices[index];
+        }
+        index = remap[index];
+    }
+    mesh.vertices.resize(used);
+    return true;
+}
+
+} // namespace
+
+bool TessellateStroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& style, FillMesh& mesh,
+                      std::string* error)
+{
+    return TessellateStroke(polylines, style, Wm4::Matrix3<float>::IDENTITY, mesh, error);
+}
+
+bool TessellateStroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& style,
+                      const Wm4::Matrix3<float>& transform, FillMesh& mesh, std::string* error)
+{
+    mesh.vertices.clear();
+    mesh.indices.clear();
+    Affine affine;
+    affine.m00 = transform(0, 0);
+    affine.m01 = transform(0, 1);
+    affine.m02 = transform(0, 2);
+    affine.m10 = transform(1, 0);
+    affine.m11 = transform(1, 1);
+    affine.m12 = transform(1, 2);
+    try {
+        return Stroke(polylines, style, affine, mesh, error);
+    } catch (const std::bad_alloc&) {
+        mesh = FillMesh{};
+        SetError(error, "Out of memory while stroking");
+        return false;
+    } catch (const std::exception& e) {
+        mesh = FillMesh{};
+        SetError(error, std::string("Stroking failed: ") + e.what());
+        return false;
+    }
+}
+
+} // namespace vk::svg
