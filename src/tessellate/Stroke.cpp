@@ -60,10 +60,15 @@ public:
     {
         const std::size_t m = points.size();
         const std::size_t segments = closed ? m : m - 1;
+        if (mPieces) {
+            planCuts(points, closed);
+        }
         Point firstDirection;
         uint32_t firstLeft = 0, firstRight = 0;
         Point previousDirection;
         uint32_t previousLeft = 0, previousRight = 0;
+        Cut startCut = mPieces && closed ? makeCut(points[0], 0) : Cut{};
+        const Cut firstCut = startCut;
         for (std::size_t i = 0; i < segments; ++i) {
             const Point a = points[i];
             const Point b = points[i + 1 < m ? i + 1 : 0];
@@ -73,7 +78,13 @@ public:
             const uint32_t startRight = vertex(a - offset);
             const uint32_t endLeft = vertex(b + offset);
             const uint32_t endRight = vertex(b - offset);
-            piece({startLeft, endLeft, endRight, startRight});
+            if (!mPieces) {
+                piece({startLeft, endLeft, endRight, startRight});
+            } else {
+                const Cut endCut = i + 1 < segments ? makeCut(b, i + 1) : closed ? firstCut : Cut{};
+                cutPiece(startCut, endCut, startLeft, endLeft, endRight, startRight);
+                startCut = endCut;
+            }
             if (i == 0) {
                 firstDirection = d;
                 firstLeft = startLeft;
@@ -82,14 +93,16 @@ public:
                     cap(a, d * -1.0, startRight, startLeft);
                 }
             } else {
-                join(a, previousDirection, d, previousLeft, previousRight, startLeft, startRight);
+                join(a, previousDirection, d, previousLeft, previousRight, startLeft, startRight,
+                     mPieces ? mCenter[i] : kNone);
             }
             previousDirection = d;
             previousLeft = endLeft;
             previousRight = endRight;
         }
         if (closed) {
-            join(points[0], previousDirection, firstDirection, previousLeft, previousRight, firstLeft, firstRight);
+            join(points[0], previousDirection, firstDirection, previousLeft, previousRight, firstLeft, firstRight,
+                 mPieces ? mCenter[0] : kNone);
         } else {
             cap(points[m - 1], previousDirection, previousLeft, previousRight);
         }
@@ -115,11 +128,99 @@ public:
     }
 
     bool overflowed() const { return mOverflow; }
+
     bool tooManyVertices() const { return mTooMany; }
     FillMesh& mesh() { return mMesh; }
     std::vector<std::vector<V2>>& pieces() { return mRings; }
 
 private:
+    static constexpr uint32_t kNone = std::numeric_limits<uint32_t>::max();
+
+    // Where the union of two segments' rectangles is split between them:
+    // from the joint's centre to the crossing of their inner offset lines.
+    struct Cut {
+        bool active = false;
+        bool innerLeft = false;
+        uint32_t center = kNone;
+        uint32_t inner = kNone;
+    };
+
+    // Without overlaps inside one polyline, the union (TessellateFill) sees
+    // pieces that only touch, and needs no Clipper pass unless the path
+    // itself crosses. A joint is cut when its inner crossing lies within
+    // the nearer half of both segments, so that cuts never meet; other
+    // joints keep overlapping rectangles, which the union resolves.
+    void planCuts(const std::vector<Point>& points, bool closed)
+    {
+        const std::size_t m = points.size();
+        mCut.assign(m, 0);
+        mInner.assign(m, Point{});
+        mCenter.assign(m, kNone);
+        for (std::size_t j = closed ? 0 : 1; j < (closed ? m : m - 1); ++j) {
+            const Point p = points[j];
+            const Point before = points[j > 0 ? j - 1 : m - 1];
+            const Point after = points[j + 1 < m ? j + 1 : 0];
+            const double inLength = Length(p - before);
+            const double outLength = Length(after - p);
+            const Point in = (p - before) * (1.0 / inLength);
+            const Point out = (after - p) * (1.0 / outLength);
+            const double sine = Cross(in, out);
+            const double cosine = Dot(in, out);
+            if (sine == 0.0 || !(cosine > -1.0)) {
+                continue;
+            }
+            // The crossing is radius * tan(turn / 2) back along each segment.
+            const double back = mRadius * std::fabs(sine) / (1.0 + cosine);
+            if (!(back <= inLength / 2.0 && back <= outLength / 2.0)) {
+                continue;
+            }
+            const bool right = sine >= 0.0;
+            const Point offsetIn = Normal(in) * (right ? mRadius : -mRadius);
+            const Point offsetOut = Normal(out) * (right ? mRadius : -mRadius);
+            mCut[j] = right ? 1 : 2; // the inner side is the left for a left turn
+            mInner[j] = p + (offsetIn + offsetOut) * (1.0 / (1.0 + cosine));
+        }
+    }
+
+    Cut makeCut(Point p, std::size_t j)
+    {
+        Cut cut;
+        if (mCut[j] != 0) {
+            cut.active = true;
+            cut.innerLeft = mCut[j] == 1;
+            cut.center = mCenter[j] = vertex(p);
+            cut.inner = vertex(mInner[j]);
+        }
+        return cut;
+    }
+
+    void cutPiece(const Cut& start, const Cut& end, uint32_t startLeft, uint32_t endLeft, uint32_t endRight,
+                  uint32_t startRight)
+    {
+        mRing.clear();
+        if (start.active && start.innerLeft) {
+            mRing.insert(mRing.end(), {start.center, start.inner});
+        } else {
+            mRing.push_back(startLeft);
+        }
+        if (end.active && end.innerLeft) {
+            mRing.insert(mRing.end(), {end.inner, end.center});
+        } else {
+            mRing.push_back(endLeft);
+        }
+        if (end.active && !end.innerLeft) {
+            mRing.insert(mRing.end(), {end.center, end.inner});
+        } else {
+            mRing.push_back(endRight);
+        }
+        if (start.active && !start.innerLeft) {
+            mRing.insert(mRing.end(), {start.inner, start.center});
+        } else {
+            mRing.push_back(startRight);
+        }
+        emitRing();
+    }
+
     uint32_t vertex(Point p)
     {
         const Point q = mTransform.apply(p);
@@ -194,7 +295,8 @@ private:
     // The piece on the outer side of the turn at `p` from direction `in` to
     // `out`, between the end offsets of the incoming segment and the start
     // offsets of the outgoing one.
-    void join(Point p, Point in, Point out, uint32_t inLeft, uint32_t inRight, uint32_t outLeft, uint32_t outRight)
+    void join(Point p, Point in, Point out, uint32_t inLeft, uint32_t inRight, uint32_t outLeft, uint32_t outRight,
+              uint32_t center)
     {
         const double sine = Cross(in, out);
         const double cosine = Dot(in, out);
@@ -207,7 +309,9 @@ private:
         const uint32_t b = right ? outRight : outLeft;
         const Point offsetA = Normal(in) * (right ? -mRadius : mRadius);
         const Point offsetB = Normal(out) * (right ? -mRadius : mRadius);
-        const uint32_t center = vertex(p);
+        if (center == kNone) {
+            center = vertex(p);
+        }
 
         if (mJoin == StrokeJoin::Round) {
             double turn = std::fabs(std::atan2(sine, cosine));
@@ -282,6 +386,9 @@ private:
     bool mTooMany = false;
     FillMesh mMesh;
     std::vector<uint32_t> mRing;
+    std::vector<char> mCut;
+    std::vector<Point> mInner;
+    std::vector<uint32_t> mCenter;
     std::vector<std::vector<V2>> mRings;
 };
 
@@ -451,16 +558,23 @@ bool Stroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& sty
     }
 
     // Vertices of pieces that rounding flattened are left out.
-    std::vector<uint32_t> remap(mesh.vertices.size(), std::numeric_limits<uint32_t>::max());
-    uint32_t used = 0;
-    for (uint32_t& index : mesh.indices) {
-        if (remap[index] == std::numeric_limits<uint32_t>::max()) {
-            remap[index] = used;
-            mesh.vertices[used++] = mesh.vertices[index];
+    // Kept in place, in their order: a used vertex never moves up.
+    std::vector<char> used(mesh.vertices.size(), 0);
+    for (uint32_t index : mesh.indices) {
+        used[index] = 1;
+    }
+    std::vector<uint32_t> remap(mesh.vertices.size());
+    uint32_t kept = 0;
+    for (std::size_t i = 0; i < mesh.vertices.size(); ++i) {
+        remap[i] = kept;
+        if (used[i]) {
+            mesh.vertices[kept++] = mesh.vertices[i];
         }
+    }
+    for (uint32_t& index : mesh.indices) {
         index = remap[index];
     }
-    mesh.vertices.resize(used);
+    mesh.vertices.resize(kept);
     return true;
 }
 

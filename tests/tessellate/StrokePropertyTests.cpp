@@ -1,0 +1,175 @@
+// Properties over generated polylines with fixed seeds, for every join, cap
+// and mode: a well-formed mesh, the non-overlapping mesh covering exactly
+// the union of the fast one (by Clipper, which the stroker's own union does
+// not share a grid with), and every centre-line point inside both.
+#include "StrokeTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace stroke_test;
+using vk::svg::FillMesh;
+using vk::svg::StrokeCap;
+using vk::svg::StrokeJoin;
+using vk::svg::StrokeMode;
+using vk::svg::StrokePolyline;
+using vk::svg::StrokeStyle;
+using vk::svg::TessellateStroke;
+
+constexpr double kPi = 3.14159265358979323846;
+
+struct Shape {
+    const char* name;
+    std::vector<StrokePolyline> polylines;
+};
+
+std::vector<Shape> Shapes(unsigned seed)
+{
+    std::mt19937 rng(seed);
+    std::uniform_real_distribution<float> unit(-1.0f, 1.0f);
+    std::vector<Shape> shapes;
+
+    StrokePolyline walk;
+    V2 p(0, 0);
+    for (int i = 0; i < 40; ++i) {
+        walk.points.push_back(p);
+        p = V2(p.X() + 6.0f * unit(rng), p.Y() + 6.0f * unit(rng));
+    }
+    walk.closed = seed % 2 == 1;
+    shapes.push_back({"random walk", {walk}});
+
+    StrokePolyline spiral;
+    for (int i = 0; i < 120; ++i) {
+        const double a = 0.3 * i;
+        const double r = 2.0 + 0.25 * i;
+        spiral.points.emplace_back(float(r * std::cos(a)), float(r * std::sin(a)));
+    }
+    shapes.push_back({"spiral", {spiral}});
+
+    StrokePolyline hairpin;
+    for (int i = 0; i < 12; ++i) {
+        hairpin.points.emplace_back(float(i % 2 == 0 ? 0 : 30), 0.7f * float(i) + 0.01f * unit(rng));
+    }
+    shapes.push_back({"hairpins", {hairpin}});
+
+    // Turns within a hair of a full reversal, both ways round.
+    StrokePolyline reversal;
+    for (int i = 0; i < 10; ++i) {
+        const float e = std::ldexp(1.0f, -4 - 2 * i) * (i % 2 == 0 ? 1.0f : -1.0f);
+        reversal.points.emplace_back(i % 2 == 0 ? 0.0f : 20.0f, e + float(i) * 1e-3f);
+    }
+    shapes.push_back({"near reversals", {reversal}});
+
+    StrokePolyline repeats;
+    for (int i = 0; i < 30; ++i) {
+        const V2 q(float(i / 3) * 3.0f, float((i / 3) % 2) * 4.0f);
+        repeats.points.push_back(q);
+    }
+    StrokePolyline back{{V2(0, 20), V2(10, 20), V2(0, 20)}, false};
+    StrokePolyline dot{{V2(-5, -5), V2(-5, -5)}, false};
+    StrokePolyline closedPair{{V2(20, 20), V2(25, 22)}, true};
+    shapes.push_back({"repeats, reversals and dots", {repeats, back, dot, closedPair}});
+    return shapes;
+}
+
+std::vector<V2> CentreLine(const StrokePolyline& polyline)
+{
+    std::vector<V2> samples;
+    const std::size_t n = polyline.points.size();
+    bool moves = false;
+    for (const V2& p : polyline.points) {
+        moves = moves || !(p == polyline.points[0]);
+    }
+    if (!moves) {
+        return samples; // a dot, drawn only with some caps
+    }
+    const std::size_t segments = polyline.closed ? n : (n > 0 ? n - 1 : 0);
+    for (std::size_t i = 0; i < segments; ++i) {
+        const V2 a = polyline.points[i];
+        const V2 b = polyline.points[(i + 1) % n];
+        for (int k = 0; k <= 4; ++k) {
+            const float t = float(k) / 4.0f;
+            samples.emplace_back(a.X() + (b.X() - a.X()) * t, a.Y() + (b.Y() - a.Y()) * t);
+        }
+    }
+    return samples;
+}
+
+TEST(StrokeProperties, EveryStyleOverGeneratedPolylines)
+{
+    const StrokeJoin joins[] = {StrokeJoin::Miter, StrokeJoin::MiterClip, StrokeJoin::Round, StrokeJoin::Bevel,
+                                StrokeJoin::Arcs};
+    const StrokeCap caps[] = {StrokeCap::Butt, StrokeCap::Round, StrokeCap::Square};
+    for (unsigned seed : {1u, 2u, 3u}) {
+        for (const Shape& shape : Shapes(seed)) {
+            for (std::size_t j = 0; j < 5; ++j) {
+                for (std::size_t c = 0; c < 3; ++c) {
+                    for (bool dashed : {false, true}) {
+                        SCOPED_TRACE(std::string(shape.name) + " seed " + std::to_string(seed) + " join " +
+                                     std::to_string(j) + " cap " + std::to_string(c) + (dashed ? " dashed" : ""));
+                        StrokeStyle style;
+                        style.width = seed == 3 ? 0.05f : 1.5f;
+                        style.join = joins[j];
+                        style.cap = caps[c];
+                        style.miterLimit = 2.5f;
+                        if (dashed) {
+                            style.dashArray = {7.0f, 2.0f, 0.0f, 3.0f};
+                            style.dashOffset = -1.5f;
+                        }
+                        FillMesh fast;
+                        FillMesh exact;
+                        std::string error;
+                        ASSERT_TRUE(TessellateStroke(shape.polylines, style, fast, &error)) << error;
+                        style.mode = StrokeMode::NonOverlapping;
+                        ASSERT_TRUE(TessellateStroke(shape.polylines, style, exact, &error)) << error;
+                        ASSERT_TRUE(WellFormed(fast));
+                        ASSERT_TRUE(WellFormed(exact));
+                        const double area = UnionArea(fast);
+                        // The union snaps to float spacing at the largest
+                        // coordinate, about 1e-5 here, along every edge.
+                        EXPECT_NEAR(MeshArea(exact), area, 1e-3 + 1e-4 * area);
+                        EXPECT_NEAR(UnionArea(exact), MeshArea(exact), 1e-3 + 1e-4 * area);
+                        if (!dashed) {
+                            for (const StrokePolyline& polyline : shape.polylines) {
+                                for (const V2& q : CentreLine(polyline)) {
+                                    ASSERT_TRUE(Covers(fast, q, 1e-4)) << q.X() << " " << q.Y();
+                                    ASSERT_TRUE(Covers(exact, q, 1e-4)) << q.X() << " " << q.Y();
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
+    }
+}
+
+// The fast mode's budget: two triangles per straight segment, then the
+// joins' and caps' own (here at most two for a miter or bevel).
+TEST(StrokeProperties, FastModeTriangleBudget)
+{
+    std::mt19937 rng(7);
+    std::uniform_real_distribution<float> unit(-1.0f, 1.0f);
+    StrokePolyline walk;
+    for (int i = 0; i < 500; ++i) {
+        walk.points.emplace_back(10.0f * unit(rng), 10.0f * unit(rng));
+    }
+    for (StrokeJoin join : {StrokeJoin::Miter, StrokeJoin::Bevel, StrokeJoin::MiterClip}) {
+        StrokeStyle style;
+        style.width = 0.5f;
+        style.join = join;
+        style.cap = StrokeCap::Square;
+        FillMesh mesh;
+        ASSERT_TRUE(TessellateStroke({walk}, style, mesh));
+        const std::size_t segments = walk.points.size() - 1;
+        EXPECT_LE(mesh.indices.size() / 3, 2 * segments + 3 * (segments - 1) + 4);
+    }
+}
+
+} // namespace
