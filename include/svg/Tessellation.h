@@ -108,7 +108,9 @@ struct VKSVG_API StrokePolyline {
 /// pattern restarts on every subpath and runs on around corners and across
 /// the closing segment), and zero-length subpaths drawn as dots with round
 /// and square caps (a lone unclosed point draws nothing). `mesh` is
-/// replaced; its triangles all have positive area. Only non-finite
+/// replaced; its triangles all have positive area. In Fast mode vertices
+/// are shared where pieces meet, but a position may repeat where pieces
+/// overlap; NonOverlapping has one vertex per distinct position. Only non-finite
 /// coordinates, or a stroke too large for float coordinates or 32-bit
 /// indices, give false, with the reason in `*error` when it is not null.
 VKSVG_API bool TessellateStroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& style, FillMesh& mesh,

@@ -468,7 +468,9 @@ bool Stroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& sty
         return true;
     }
     const double radius = width / 2.0;
-    const double limit = style.miterLimit >= 1.0f ? double(style.miterLimit) : 4.0;
+    // A miter a million widths long is beyond any drawing; the cap keeps an
+    // infinite limit from making infinite clipped miters at reversals.
+    const double limit = style.miterLimit >= 1.0f ? std::min(double(style.miterLimit), 1e6) : 4.0;
 
     std::vector<Subpath> subpaths;
     subpaths.reserve(polylines.size());

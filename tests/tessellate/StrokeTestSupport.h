@@ -39,7 +39,8 @@ inline double UnionArea(const vk::svg::FillMesh& mesh, double scale = 65536.0)
         ClipperLib::Path path;
         for (int k = 0; k < 3; ++k) {
             const V2& v = mesh.vertices[mesh.indices[t + k]];
-            path.emplace_back(ClipperLib::cInt(std::llround(v.X() * scale)), ClipperLib::cInt(std::llround(v.Y() * scale)));
+            path.emplace_back(ClipperLib::cInt(std::llround(v.X() * scale)),
+                              ClipperLib::cInt(std::llround(v.Y() * scale)));
         }
         if (!ClipperLib::Orientation(path)) {
             ClipperLib::ReversePath(path);

@@ -368,11 +368,8 @@ TEST(StrokeBadInput, ClearResults)
          styled([](StrokeStyle& s) { s.dashArray.assign(1000000, 0.001f); }),
          true,
          false},
-        {"a million zero dash entries",
-         segment,
-         styled([](StrokeStyle& s) { s.dashArray.assign(1000000, 0.0f); }),
-         true,
-         false},
+        {"a million zero dash entries", segment, styled([](StrokeStyle& s) { s.dashArray.assign(1000000, 0.0f); }),
+         true, false},
         {"dashes finer than drawable",
          {Line(many)},
          styled([](StrokeStyle& s) {
