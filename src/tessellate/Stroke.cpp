@@ -446,6 +446,13 @@ void Emit(Builder& builder, const impl::Dash& dash)
     }
 }
 
+// The union's time grows faster than linearly with pieces that overlap,
+// and fine dashes overlap by their caps: a smaller budget there.
+std::size_t DashBudget(StrokeMode mode)
+{
+    return mode == StrokeMode::NonOverlapping ? impl::kMaxUnionDashEntries : impl::kMaxDashEntries;
+}
+
 bool Stroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& style, const Affine& transform,
             FillMesh& mesh, std::string* error)
 {
@@ -475,15 +482,27 @@ bool Stroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& sty
     std::vector<Subpath> subpaths;
     subpaths.reserve(polylines.size());
     std::size_t pointCount = 0;
+    std::vector<double> lengths;
+    lengths.reserve(polylines.size());
     double totalLength = 0.0;
     for (const StrokePolyline& polyline : polylines) {
         subpaths.push_back(Prepare(polyline));
         pointCount += subpaths.back().points.size();
-        totalLength += PathLength(subpaths.back());
+        lengths.push_back(PathLength(subpaths.back()));
+        totalLength += lengths.back();
     }
 
     impl::DashPattern pattern;
     bool dashed = impl::MakeDashPattern(style.dashArray, style.dashOffset, pattern);
+    if (dashed) {
+        // Whole periods are walked entry by entry for certain: when they
+        // alone spend the budget, stroke solid without walking them.
+        double walked = 0.0;
+        for (double length : lengths) {
+            walked += std::floor(length / pattern.period) * double(pattern.ends.size());
+        }
+        dashed = walked <= double(DashBudget(style.mode));
+    }
 
     // Round pieces share one budget of steps: a join, a cap and a dot each
     // count as a full circle at most.
@@ -506,7 +525,18 @@ bool Stroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& sty
 
     for (int attempt = 0; attempt < 2; ++attempt) {
         Builder builder(style, radius, limit, transform, steps);
-        std::size_t budget = impl::kMaxDashEntries;
+        // The caller's storage is reused, so that stroking again into the
+        // same mesh allocates nothing; a first guess of its size saves the
+        // copies of growing it: four offsets and a centre per point, two
+        // triangles per segment and about two per join.
+        mesh.vertices.clear();
+        mesh.indices.clear();
+        builder.mesh() = std::move(mesh);
+        if (style.mode == StrokeMode::Fast) {
+            builder.mesh().vertices.reserve(5 * pointCount + 8);
+            builder.mesh().indices.reserve(12 * pointCount + 24);
+        }
+        std::size_t budget = DashBudget(style.mode);
         std::vector<impl::Dash> dashes;
         bool restart = false;
         for (std::size_t i = 0; i < subpaths.size() && !restart; ++i) {

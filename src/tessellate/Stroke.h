@@ -31,18 +31,23 @@
 // for a union.
 //
 // Limits, so that no input makes time or memory run away: at most
-// kMaxDashEntries pattern entries are walked per call (beyond that the
+// kMaxDashEntries pattern entries (kMaxUnionDashEntries in the
+// non-overlapping mode) are walked per call (beyond that the
 // pattern is finer than anything drawable and the stroke goes solid, as
 // Skia does); a full circle has at most kMaxCircleSteps steps, and all the
 // round joins, caps and dots of a call share kRoundStepBudget steps (past
 // either, circles coarsen and the tolerance is no longer met, down to
 // kMinCircleSteps). Polylines are straight: Arcs joins meet as MiterClip.
+// The non-overlapping mode costs what TessellateFill's union costs: linear
+// while the path does not cross itself (the pieces only touch), but with
+// Clipper's growth, worse than linear, where it overlaps itself densely.
 
 #include <cstddef>
 
 namespace vk::svg::impl {
 
 constexpr std::size_t kMaxDashEntries = std::size_t{1} << 21;
+constexpr std::size_t kMaxUnionDashEntries = std::size_t{1} << 14;
 constexpr unsigned kMaxCircleSteps = 1024;
 constexpr unsigned kMinCircleSteps = 8;
 constexpr double kRoundStepBudget = double(std::size_t{1} << 23);
