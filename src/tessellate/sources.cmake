@@ -1,6 +1,8 @@
 target_sources(vkSvgObjects PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/Dash.cpp
   ${CMAKE_CURRENT_LIST_DIR}/Flatten.cpp
   ${CMAKE_CURRENT_LIST_DIR}/MonotoneTriangulation.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/Stroke.cpp
   ${CMAKE_CURRENT_LIST_DIR}/TessellateFill.cpp)
 
 # Clipper unites the contours under the fill rule. It stays private to the
