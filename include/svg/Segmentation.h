@@ -38,14 +38,24 @@ struct VKSVG_API SegmentationOptions {
     // and reported in SegmenterVisitor::getFailures(), instead of the walk
     // stopping at the first stroked one.
     bool continueAfterFailure = false;
+    // Gives every stroked shape a stroke mesh (SegmentedPrimitive::
+    // getStrokeVertices) built from its width, joins, caps, miter limit and
+    // dashes, in user space and then mapped, as SVG strokes; with
+    // vector-effect non-scaling-stroke in output space. Round joins and caps
+    // are flattened to `tolerance` (0.25 when it is 0 or less).
+    bool tessellateStroke = false;
+    // Fast strokes may cover a point twice (fine for opaque paint);
+    // NonOverlapping ones cover each point once, for translucent paint.
+    StrokeMode strokeMode = StrokeMode::Fast;
 
-    // All of the above, at `tolerance` output units.
+    /// All of the above (fast strokes), at `tolerance` output units.
     static SegmentationOptions Faithful(float tolerance = 0.25f)
     {
         SegmentationOptions options;
         options.tolerance = tolerance;
         options.tessellateFill = true;
         options.continueAfterFailure = true;
+        options.tessellateStroke = true;
         return options;
     }
 };
@@ -197,6 +207,15 @@ public:
     const std::vector<Subpath>& getSubpaths() const { return subpaths; }
     std::vector<Subpath>& editSubpaths() { return subpaths; }
 
+    // The stroke as an indexed triangle mesh in output space, beside the
+    // fill: made by the segmenters that take SegmentationOptions with
+    // tessellateStroke, empty otherwise.
+    const std::vector<Wm4::Vector2<float>>& getStrokeVertices() const { return strokeVertices; }
+    std::vector<Wm4::Vector2<float>>& editStrokeVertices() { return strokeVertices; }
+    // Triples of indices into getStrokeVertices().
+    const std::vector<uint32_t>& getStrokeIndices() const { return strokeIndices; }
+    std::vector<uint32_t>& editStrokeIndices() { return strokeIndices; }
+
 private:
     std::vector<Wm4::Vector2<float>> points;
     std::vector<uint32_t> indices;
@@ -204,6 +223,8 @@ private:
     std::vector<uint32_t> triangleIndices;
     RenderingProperties properties;
     std::vector<Subpath> subpaths;
+    std::vector<Wm4::Vector2<float>> strokeVertices;
+    std::vector<uint32_t> strokeIndices;
 };
 
 // The shape segmenters. A null `transform` is the identity, null
@@ -316,6 +337,11 @@ private:
 // and path becomes one primitive with its accumulated transform applied and
 // its cascaded properties. Curves get a budget of 32 pieces at a flatness
 // score of -0.999, arcs and circles 32 steps.
+//
+// Threads: segmentation keeps no global state. A SegmenterVisitor, like a
+// workspace, is one thread's object at a time; any number of walks and
+// segment calls may run at once on different threads, also over the same
+// tree, as long as no thread changes that tree meanwhile.
 class VKSVG_API SegmenterVisitor : private VisitorBase<SegmenterVisitor> {
 public:
     // Walks the tree from `root`; the results are ready afterwards.

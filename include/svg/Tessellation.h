@@ -31,6 +31,9 @@ struct VKSVG_API FillMesh {
     std::vector<uint32_t> indices;
 };
 
+// Threads: the tessellators keep no state between calls; any number of
+// calls may run at once on different threads, each with its own mesh.
+//
 // Fills closed contours, each a run of points whose last point joins its
 // first. Intersections, overlaps, touching contours, repeated and collinear
 // points and zero-length edges are all resolved first; any finite input is

@@ -19,6 +19,7 @@
 #include <svg/PathPrimitives.h>
 #include <svg/RenderingProperties.h>
 #include <svg/Segmentation.h>
+#include <svg/Tessellation.h>
 #include <svg/TextSpace.h>
 #include <svg/Triangulation.h>
 #include <svg/UnitValue.h>

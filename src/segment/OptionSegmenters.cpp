@@ -6,6 +6,7 @@
 #include <svg/Tessellation.h>
 
 #include "segment/AffineMap.h"
+#include "segment/StrokeMesh.h"
 #include "tessellate/Flatten.h"
 
 #include <cmath>
@@ -155,43 +156,55 @@ std::vector<bool> ClosedRuns(const std::list<PathCommand>& commands)
     return closed;
 }
 
-// Fills the outline and copies the properties; the outline is already in
-// output space.
+// Fills the outline under the options' fill.
+void Fill(SegmentedPrimitive& primitive, const SegmentationOptions& options, const RenderingProperties& properties,
+          std::string* failure)
+{
+    if (options.tessellateFill) {
+        const WindingRule rule =
+            properties.getFillRule() == FillRule::EvenOdd ? WindingRule::EvenOdd : WindingRule::NonZero;
+        FillMesh mesh;
+        std::string reason;
+        if (TessellateFill(primitive.getPoints(), primitive.getIndices(), rule, mesh, &reason)) {
+            primitive.editTriangleVertices() = std::move(mesh.vertices);
+            primitive.editTriangleIndices() = std::move(mesh.indices);
+        } else if (failure != nullptr) {
+            *failure = reason.empty() ? std::string("the outline could not be filled") : reason;
+        }
+        return;
+    }
+    // The trapezoidal triangulator, on a copy: it cleans the outline it is
+    // given, and the outline keeps its runs.
+    std::vector<V2> points = primitive.getPoints();
+    std::vector<uint32_t> indices = primitive.getIndices();
+    bool failed = false;
+    SegmentedPrimitive filled =
+        SegmentedPrimitive::FromContour(std::move(points), std::move(indices), nullptr, &properties, &failed);
+    primitive.editTriangleVertices() = std::move(filled.editTriangleVertices());
+    primitive.editTriangleIndices() = std::move(filled.editTriangleIndices());
+    if (failed && failure != nullptr)
+        *failure = "the outline could not be triangulated";
+}
+
+// Fills and strokes the outline and copies the properties; the outline is
+// already in output space, `transform` took it there.
 std::shared_ptr<SegmentedPrimitive> Finish(std::shared_ptr<SegmentedPrimitive> primitive,
-                                           const SegmentationOptions& options, const RenderingProperties* properties,
-                                           std::string* failure)
+                                           const SegmentationOptions& options, const Wm4::Matrix3<float>& transform,
+                                           const RenderingProperties* properties, std::string* failure)
 {
     if (failure != nullptr)
         failure->clear();
     if (properties == nullptr)
         return primitive;
     primitive->editProperties() = *properties;
-    if (!properties->hasFill())
-        return primitive;
-    if (options.tessellateFill) {
-        const WindingRule rule =
-            properties->getFillRule() == FillRule::EvenOdd ? WindingRule::EvenOdd : WindingRule::NonZero;
-        FillMesh mesh;
+    if (properties->hasFill())
+        Fill(*primitive, options, *properties, failure);
+    if (options.tessellateStroke) {
         std::string reason;
-        if (TessellateFill(primitive->getPoints(), primitive->getIndices(), rule, mesh, &reason)) {
-            primitive->editTriangleVertices() = std::move(mesh.vertices);
-            primitive->editTriangleIndices() = std::move(mesh.indices);
-        } else if (failure != nullptr) {
-            *failure = reason.empty() ? std::string("the outline could not be filled") : reason;
-        }
-        return primitive;
+        if (!impl::AddStrokeMesh(*primitive, options, transform, *properties, &reason) && failure != nullptr &&
+            failure->empty())
+            *failure = reason.empty() ? std::string("the stroke could not be made") : reason;
     }
-    // The trapezoidal triangulator, on a copy: it cleans the outline it is
-    // given, and the outline keeps its runs.
-    std::vector<V2> points = primitive->getPoints();
-    std::vector<uint32_t> indices = primitive->getIndices();
-    bool failed = false;
-    SegmentedPrimitive filled =
-        SegmentedPrimitive::FromContour(std::move(points), std::move(indices), nullptr, properties, &failed);
-    primitive->editTriangleVertices() = std::move(filled.editTriangleVertices());
-    primitive->editTriangleIndices() = std::move(filled.editTriangleIndices());
-    if (failed && failure != nullptr)
-        *failure = "the outline could not be triangulated";
     return primitive;
 }
 
@@ -212,10 +225,12 @@ std::shared_ptr<SegmentedPrimitive> SegmentLine(const Line& line, const Segmenta
     outline.start(Map(m, line.getStart()));
     outline.lineTo(Map(m, line.getEnd()));
     outline.end(false);
-    // A line has no inside.
-    if (properties != nullptr)
+    // A line has no inside, but it may well be stroked.
+    if (properties != nullptr) {
         primitive->editProperties() = *properties;
-    (void)options;
+        if (options.tessellateStroke)
+            impl::AddStrokeMesh(*primitive, options, m, *properties, nullptr);
+    }
     return primitive;
 }
 
@@ -235,7 +250,7 @@ std::shared_ptr<SegmentedPrimitive> SegmentRect(const Rect& rect, const Segmenta
     outline.lineTo(Map(m, V2(x + w, y + h)));
     outline.lineTo(Map(m, V2(x, y + h)));
     outline.end(true);
-    return Finish(primitive, options, properties, failure);
+    return Finish(primitive, options, m, properties, failure);
 }
 
 std::shared_ptr<SegmentedPrimitive> SegmentCircle(const Circle& circle, const SegmentationOptions& options,
@@ -257,7 +272,7 @@ std::shared_ptr<SegmentedPrimitive> SegmentCircle(const Circle& circle, const Se
     for (const V2& point : points)
         outline.lineTo(point);
     outline.end(true);
-    return Finish(primitive, options, properties, failure);
+    return Finish(primitive, options, m, properties, failure);
 }
 
 std::shared_ptr<SegmentedPrimitive> SegmentPath(const Path& path, const SegmentationOptions& options,
@@ -324,7 +339,7 @@ std::shared_ptr<SegmentedPrimitive> SegmentPath(const Path& path, const Segmenta
         });
     visitor.visit();
     endRun();
-    return Finish(primitive, options, properties, failure);
+    return Finish(primitive, options, m, properties, failure);
 }
 
 } // namespace vk::svg

@@ -8,4 +8,5 @@ target_sources(vkSvgObjects PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/SegmentationLimits.cpp
   ${CMAKE_CURRENT_LIST_DIR}/SegmentedPrimitive.cpp
   ${CMAKE_CURRENT_LIST_DIR}/SegmenterVisitor.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/StrokeMesh.cpp
   ${CMAKE_CURRENT_LIST_DIR}/ShapeSegmenters.cpp)

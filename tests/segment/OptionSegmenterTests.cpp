@@ -1,6 +1,6 @@
 // Segmentation under SegmentationOptions: fill rules from the item, fills
 // that never fail, outlines by tolerance, runs that know whether they close,
-// and a walk that reports failures and goes on.
+// strokes as meshes, and a walk that reports failures and goes on.
 #include "SegmentTestSupport.h"
 
 #include <svg/Items.h>
@@ -33,23 +33,6 @@ RenderingProperties Filled(std::optional<FillRule> rule = std::nullopt)
     return properties;
 }
 
-// The two icons of a real icon set that the trapezoidal fill gets wrong: a
-// ring whose subpaths end a millionth away from their starts, and a house
-// whose door runs against its walls.
-const char* const kRing =
-    "m 8.492188 0.0546875 c -4.128907 0 -7.488282 3.3554685 -7.488282 7.4882815 c 0 4.128906 3.359375 7.484375 "
-    "7.488282 7.484375 c 4.128906 0 7.488281 -3.355469 7.488281 -7.484375 c 0 -4.132813 -3.359375 -7.4882815 "
-    "-7.488281 -7.4882815 z m 0 1.9726565 c 3.050781 0 5.511718 2.464844 5.511718 5.515625 c 0 3.046875 "
-    "-2.460937 5.511719 -5.511718 5.511719 c -3.050782 0 -5.511719 -2.464844 -5.511719 -5.511719 c 0 -3.050781 "
-    "2.460937 -5.515625 5.511719 -5.515625 z";
-const char* const kHouse =
-    "m 8 1 c -0.207031 0 -0.410156 0.066406 -0.582031 0.183594 l -7 5 c -0.449219 0.324218 -0.554688 0.945312 "
-    "-0.234375 1.394531 c 0.191406 0.265625 0.492187 0.421875 0.816406 0.417969 v 4.003906 c 0 1.644531 1.355469 "
-    "3 3 3 h 8 c 1.644531 0 3 -1.320312 3 -3 v -4.003906 c 0.324219 0.003906 0.625 -0.152344 0.816406 -0.417969 "
-    "c 0.320313 -0.449219 0.214844 -1.070313 -0.234375 -1.394531 l -7 -5 c -0.171875 -0.117188 -0.375 -0.183594 "
-    "-0.582031 -0.183594 z m 0 2.226562 l 5 3.570313 v 5.203125 c 0 0.5625 -0.4375 1 -1 1 h -3 v -4 c 0 "
-    "-0.554688 -0.445312 -1 -1 -1 h -1 c -0.554688 0 -1 0.445312 -1 1 v 4 h -2 c -0.5625 0 -1 -0.4375 -1 -1 v "
-    "-5.203125 z m 0 0";
 
 TEST(OptionSegmenters, FillsWhatTheTrapezoidsCannot)
 {
@@ -61,10 +44,10 @@ TEST(OptionSegmenters, FillsWhatTheTrapezoidsCannot)
     };
     const double ringArea = kPi * (7.4866 * 7.4866 - 5.5137 * 5.5137);
     const Case cases[] = {
-        {kRing, std::nullopt, ringArea, 0.3},
-        {kRing, FillRule::EvenOdd, ringArea, 0.3},
-        {kHouse, std::nullopt, 98.61, 0.3},
-        {kHouse, FillRule::EvenOdd, 98.61, 0.3},
+        {segtest::kRing, std::nullopt, ringArea, 0.3},
+        {segtest::kRing, FillRule::EvenOdd, ringArea, 0.3},
+        {segtest::kHouse, std::nullopt, 98.61, 0.3},
+        {segtest::kHouse, FillRule::EvenOdd, 98.61, 0.3},
         // Same direction: the inner square is covered twice.
         {"M0 0 H10 V10 H0 Z M2 2 H8 V8 H2 Z", std::nullopt, 100.0, 1e-3},
         {"M0 0 H10 V10 H0 Z M2 2 H8 V8 H2 Z", FillRule::EvenOdd, 64.0, 1e-3},
@@ -197,3 +180,84 @@ TEST(OptionSegmenters, WalkReportsFailuresAndGoesOn)
 }
 
 } // namespace
+
+namespace {
+
+RenderingProperties Stroked(float width, std::optional<LineCap> cap = std::nullopt)
+{
+    RenderingProperties properties;
+    properties.editFill() = "none";
+    properties.editStroke() = "#000000";
+    properties.editStrokeWidth() = width;
+    properties.editStrokeLinecap() = cap;
+    return properties;
+}
+
+Wm4::Matrix3<float> Scale(float sx, float sy) { return Wm4::Matrix3<float>(sx, 0, 0, 0, sy, 0, 0, 0, 1); }
+
+} // namespace
+
+// Stroke meshes come with the options that ask for them, built in user
+// space and then mapped, as SVG strokes.
+TEST(OptionSegmenters, StrokesAreMeshesBesideTheFill)
+{
+    const SegmentationOptions faithful = SegmentationOptions::Faithful(0.01f);
+    const Path line = MakePath("M0 0 L100 0");
+    struct Case {
+        const char* name;
+        RenderingProperties properties;
+        Wm4::Matrix3<float> transform;
+        double area;
+    };
+    RenderingProperties dashed = Stroked(2);
+    dashed.editStrokeDasharray() = std::vector<UnitValue>{UnitValue(10, Unit::None), UnitValue(5, Unit::None)};
+    RenderingProperties nonScaling = Stroked(2);
+    nonScaling.editVectorEffect() = static_cast<uint32_t>(VectorEffect::NonScalingStroke);
+    const Case cases[] = {
+        {"butt", Stroked(2), Wm4::Matrix3<float>::IDENTITY, 200.0},
+        {"square", Stroked(2, LineCap::Square), Wm4::Matrix3<float>::IDENTITY, 204.0},
+        {"round", Stroked(2, LineCap::Round), Wm4::Matrix3<float>::IDENTITY, 200.0 + kPi},
+        // Seven dashes of 10 along the line: 0-10, 15-25, ... 90-100.
+        {"dashed", dashed, Wm4::Matrix3<float>::IDENTITY, 140.0},
+        // Scaled across the line the stroke widens; along it, it lengthens.
+        {"scaled across", Stroked(2), Scale(1, 3), 600.0},
+        {"scaled along", Stroked(2), Scale(3, 1), 600.0},
+        {"non-scaling", nonScaling, Scale(1, 3), 200.0},
+        {"flattened away", Stroked(2), Scale(0, 1), 0.0},
+    };
+    for (const Case& c : cases) {
+        const auto primitive = SegmentPath(line, faithful, &c.transform, &c.properties, nullptr, nullptr);
+        EXPECT_NEAR(segtest::StrokeArea(*primitive), c.area, 0.01 * std::max(1.0, c.area)) << c.name;
+        EXPECT_TRUE(primitive->getTriangleIndices().empty()) << c.name << ": no fill";
+        // The described options make no stroke mesh.
+        const auto plain = SegmentPath(line, SegmentationOptions(), &c.transform, &c.properties, nullptr, nullptr);
+        EXPECT_TRUE(plain->getStrokeIndices().empty()) << c.name;
+    }
+}
+
+TEST(OptionSegmenters, ClosedShapesAreJoinedAndScaledCirclesVaryInWidth)
+{
+    // Each point covered once, so that areas add up.
+    SegmentationOptions faithful = SegmentationOptions::Faithful(0.01f);
+    faithful.strokeMode = StrokeMode::NonOverlapping;
+    RenderingProperties both = Stroked(2);
+    both.editFill() = "#ff0000";
+    std::string failure;
+    // A closed square: a ring of width 2 around it, its corners mitred.
+    const auto rect =
+        SegmentRect(Rect(V(0, 0), V(10, 10)), faithful, nullptr, &both, &failure);
+    EXPECT_TRUE(failure.empty()) << failure;
+    EXPECT_NEAR(segtest::MeshArea(*rect), 100.0, 1e-3);
+    EXPECT_NEAR(segtest::StrokeArea(*rect), 12.0 * 12.0 - 8.0 * 8.0, 1e-2);
+    // A circle of radius 10 under scale(3, 1): the user-space annulus of
+    // width 2 mapped, three times its area; non-scaling, about the
+    // ellipse's perimeter times 2.
+    const Wm4::Matrix3<float> scale = Scale(3, 1);
+    const auto circle = SegmentCircle(Circle(V(0, 0), 10), faithful, &scale, &both, &failure);
+    EXPECT_NEAR(segtest::StrokeArea(*circle), 3.0 * kPi * (11.0 * 11.0 - 9.0 * 9.0), 1.0);
+    RenderingProperties nonScaling = both;
+    nonScaling.editVectorEffect() = static_cast<uint32_t>(VectorEffect::NonScalingStroke);
+    const auto fixed = SegmentCircle(Circle(V(0, 0), 10), faithful, &scale, &nonScaling, &failure);
+    const double perimeter = kPi * (3 * (30.0 + 10.0) - std::sqrt((3 * 30.0 + 10.0) * (30.0 + 3 * 10.0)));
+    EXPECT_NEAR(segtest::StrokeArea(*fixed), 2.0 * perimeter, 0.02 * 2.0 * perimeter);
+}
