@@ -32,6 +32,18 @@ TEST_F(DocumentCommands, ResultsAndMessages)
         Write("ellipse.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\"><ellipse/><rect/></svg>");
     const std::string good = Write("good.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\"/>");
     const std::string declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+    const std::string hint = "vksvg: hint: add --lenient to skip what the subset does not support, or drop --subset "
+                             "to read with the full profile\n";
+    const std::string outline = "svg viewBox=0,0,100,50 style=4B\n"
+                                "  g id=\"layer\" transform=matrix(1 0 0 1 10 20)\n"
+                                "    rect id=\"box\" x=1 y=2 width=30 height=40 rx=3 ry=0\n"
+                                "    circle cx=5 cy=6 r=0.5\n"
+                                "    path commands=4\n"
+                                "    text x=4 y=5 content=\"Hello world\"\n"
+                                "    image x=0 y=0 width=8 height=9 href=\"pic.png\"\n"
+                                "  line x1=1 y1=0 x2=0 y2=7.25\n"
+                                "  g\n"
+                                "Items: svg 1, g 2, line 1, rect 1, circle 1, path 1, text 1, image 1\n";
     const struct {
         std::vector<std::string> args;
         int code;
@@ -54,15 +66,18 @@ TEST_F(DocumentCommands, ResultsAndMessages)
          "  g\n"
          "Items: svg 1, g 2, line 1, rect 1, circle 1, path 1, text 1, image 1\n",
          ""},
-        {{"info", odd, "--subset"}, 1, "", "Unsupported attribute attribute \"width\" with value \"1\"\n"},
+        {{"info", odd, "--subset"}, 1, "", "vksvg: " + odd + ": Unsupported attribute attribute \"width\" with value \"1\"\n" + hint},
         {{"info", "--lenient", odd, "--subset"},
          0,
          "svg\n  text x=0 y=0 content=\"t\"\nItems: svg 1, text 1\n",
-         "Ignore unsupported attribute \"width\" with value \"1\"\n"
-         "Ignore unsupported tag in svg : \"foo\"\n"
-         "Ignore unsupported attribute \"font-style\" with value \"oblique\"\n"},
-        {{"info", Path("missing.svg"), "--subset"}, 1, "", "Fail to open file\n"},
-        {{"info", text, "--subset"}, 1, "", "vksvg: no driver can load \"" + text + "\"\n"},
+         "vksvg: " + odd + ": Ignore unsupported attribute \"width\" with value \"1\"\n" +
+             "vksvg: " + odd + ": Ignore unsupported tag in svg : \"foo\"\n" +
+             "vksvg: " + odd + ": Ignore unsupported attribute \"font-style\" with value \"oblique\"\n"},
+        {{"info", Path("missing.svg"), "--subset"},
+         1,
+         "",
+         "vksvg: cannot read \"" + Path("missing.svg") + "\": No such file or directory\n"},
+        {{"info", text, "--subset"}, 0, outline, ""},
         {{"info", styleOnly, "--subset"}, 0, "Items: none\n", ""},
         {{"convert", in, "-", "--no-header", "--precision", "2", "--subset"},
          0,
@@ -70,13 +85,20 @@ TEST_F(DocumentCommands, ResultsAndMessages)
                        "<path d=\"M10 20C10 20 30-5 30-5\"/></g></svg>\n",
          ""},
         {{"convert", "--pretty", in, Path("out.svg"), "--no-header", "--subset"}, 0, "", ""},
-        {{"convert", ellipse, "-", "--subset"}, 1, "", "Found unsupported tag in svg : \"ellipse\"\n"},
+        {{"convert", ellipse, "-", "--subset"}, 1, "", "vksvg: " + ellipse + ": Found unsupported tag in svg : \"ellipse\"\n" + hint},
         {{"convert", ellipse, "-", "--lenient", "--no-header", "--subset"},
          0,
          declaration + "<svg xmlns=\"http://www.w3.org/2000/svg\"><rect width=\"0\" height=\"0\"/></svg>\n",
-         "Ignore unsupported tag in svg : \"ellipse\"\n"},
-        {{"convert", good, Path("out.png"), "--subset"}, 1, "", "No driver available to save 'png'\n"},
-        {{"convert", good, "/nonexistent/dir/out.svg", "--subset"}, 1, "", "Fail to open file\n"},
+         "vksvg: " + ellipse + ": Ignore unsupported tag in svg : \"ellipse\"\n"},
+        {{"convert", good, Path("out.png"), "--subset"},
+         2,
+         "",
+         "vksvg: cannot tell the format of \"" + Path("out.png") + "\": convert writes .svg\nUsage: vksvg convert " +
+             vksvg::findCommand("convert")->synopsis + "\nRun \"vksvg convert --help\" for every option.\n"},
+        {{"convert", good, "/nonexistent/dir/out.svg", "--subset"},
+         1,
+         "",
+         "vksvg: cannot write \"/nonexistent/dir/out.svg\": No such file or directory\n"},
         {{"convert", styleOnly, "-", "--subset"}, 1, "", "vksvg: \"" + styleOnly + "\" holds no item to write\n"},
     };
     for (const auto& c : cases) {
@@ -139,7 +161,7 @@ TEST_F(DocumentCommands, LoadWithTheFullProfileUnlessSubsetIsGiven)
         subsetArgs.push_back("--subset");
         const CliRun subset = RunTool(subsetArgs);
         EXPECT_EQ(subset.code, 1) << args[0];
-        EXPECT_EQ(subset.err.rfind("Unsupported attribute attribute \"", 0), 0u) << subset.err;
+        EXPECT_EQ(subset.err.rfind("vksvg: " + in + ": Unsupported attribute attribute \"", 0), 0u) << subset.err;
     }
     // The root viewport in pixels, the viewBox mapping as the root's transform.
     const CliRun info = RunTool({"info", in});

@@ -1,87 +1,127 @@
+#include "Batch.h"
 #include "Cli.h"
-#include "CommandSupport.h"
+#include "CommandLine.h"
+#include "LoadReport.h"
+#include "OutputFile.h"
+#include "Session.h"
 
 #include <vkSystem/vkIoDeviceMemory.h>
 
-#include <cerrno>
-#include <cstdlib>
 #include <ostream>
 
 namespace vksvg {
 
 namespace {
 
-constexpr const char* kUsage =
-    "Usage: vksvg convert IN OUT [--precision N] [--pretty] [--no-header] [--subset] [--lenient]\n";
+struct ConvertFlags {
+    std::string precision;
+    bool pretty = false;
+    bool noHeader = false;
+};
 
-// A whole decimal integer from -1 (the default) to 100.
-bool ParsePrecision(const std::string& text, int32_t& precision)
+// The one place where convert's SaveOptions are made from its flags: new
+// save options (and their flags) are added here.
+bool BuildSaveOptions(const cli::Parser& parser, const ConvertFlags& flags, vk::svg::SaveOptions& options,
+                      std::string& why)
 {
-    if (text.empty())
-        return false;
-    char* end = nullptr;
-    errno = 0;
-    const long value = std::strtol(text.c_str(), &end, 10);
-    if (errno != 0 || end != text.c_str() + text.size() || value < -1 || value > 100)
-        return false;
-    precision = static_cast<int32_t>(value);
+    options = vk::svg::SaveOptions();
+    if (parser.given("--precision")) {
+        long precision = 0;
+        if (!cli::ParseWhole("--precision", flags.precision, -1, 100, precision, why))
+            return false;
+        options.precision = static_cast<int32_t>(precision);
+    }
+    options.prettyPrint = flags.pretty;
+    options.writeHeaderComments = !flags.noHeader;
     return true;
+}
+
+int ConvertOne(const Job& job, const vk::svg::LoadOptions& loadOptions, const vk::svg::SaveOptions& saveOptions,
+               std::ostream& out, std::ostream& err)
+{
+    vk::svg::ItemInterfacePointer<vk::svg::ItemInterface> root;
+    if (!LoadDocument(job.input, loadOptions, root, err))
+        return Failure;
+    if (root == nullptr) {
+        err << "vksvg: \"" << job.input << "\" holds no item to write\n";
+        return Failure;
+    }
+    vk::vkIoDeviceMemory device;
+    const io::SaveResult saved = io::SaveDocument(*root, device, saveOptions);
+    for (const io::Diagnostic& diagnostic : saved.diagnostics)
+        PrintDiagnostic(diagnostic, job.output, err);
+    if (!saved.ok) {
+        err << "vksvg: cannot write \"" << job.output << "\"\n";
+        return Failure;
+    }
+    std::string why;
+    if (!output::WriteOutput(job.output, device.getData(), out, why)) {
+        err << "vksvg: cannot write \"" << job.output << "\": " << why << '\n';
+        return Failure;
+    }
+    return Success;
 }
 
 } // namespace
 
 int runConvertCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err)
 {
+    cli::Parser parser(*findCommand("convert"));
     std::vector<std::string> files;
+    std::string output;
+    std::string directory;
+    std::string jobsText;
+    ConvertFlags flags;
+    cli::LoadFlags loadFlags;
+    parser.app().add_option("FILES", files,
+                            "IN OUT, or the inputs with -o or -d (\"-\" reads standard input, or as OUT writes "
+                            "standard output)");
+    parser.value("-o,--output", output, "OUT", "The output file (.svg; \"-\" for standard output)");
+    parser.value("-d,--directory", directory, "DIR", "Write each input to DIR/<stem>.svg (made when missing)");
+    parser.value("-j,--jobs", jobsText, "N", "Work on N files at a time (1 to 256, default 1)");
+    parser.value("--precision", flags.precision, "N", "Digits after the point, -1 to 100 (default -1: 6)");
+    parser.flag("--pretty", flags.pretty, "Indent the output and space out path data");
+    parser.flag("--no-header", flags.noHeader, "Leave out the Exporter and Datetime comments");
+    parser.loadFlags(loadFlags);
+    if (const auto status = parser.parse(args, out, err))
+        return *status;
+
+    std::string why;
     vk::svg::SaveOptions saveOptions;
-    vk::svg::LoadOptions loadOptions = DefaultLoadOptions();
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        const std::string& arg = args[i];
-        if (arg == "--pretty") {
-            saveOptions.prettyPrint = true;
-        } else if (arg == "--no-header") {
-            saveOptions.writeHeaderComments = false;
-        } else if (arg == "--precision") {
-            if (i + 1 >= args.size() || !ParsePrecision(args[i + 1], saveOptions.precision)) {
-                err << "vksvg: --precision needs a whole number from -1 to 100\n" << kUsage;
-                return UsageError;
-            }
-            ++i;
-        } else if (arg.size() > 1 && arg[0] == '-') {
-            if (!ApplyLoadFlag(arg, loadOptions)) {
-                err << "vksvg: unknown option '" << arg << "'\n" << kUsage;
-                return UsageError;
-            }
-        } else {
-            files.push_back(arg);
-        }
+    if (!BuildSaveOptions(parser, flags, saveOptions, why))
+        return parser.usage(why, err);
+    long jobsCount = 1;
+    if (parser.given("--jobs") && !cli::ParseWhole("-j", jobsText, 1, 256, jobsCount, why))
+        return parser.usage(why, err);
+    // Without -o or -d the last file is the output.
+    if (output.empty() && directory.empty()) {
+        if (files.size() != 2)
+            return parser.usage(std::to_string(files.size()) +
+                                    (files.size() == 1 ? " file given" : " files given") +
+                                    ": convert takes IN OUT, IN -o OUT, or several inputs with -d DIR",
+                                err);
+        output = files.back();
+        files.pop_back();
     }
-    if (files.size() != 2) {
-        err << kUsage;
-        return UsageError;
+    std::string format;
+    if (!output::ChooseFormat("convert", {"svg"}, output, "", format, why))
+        return parser.usage(why, err);
+    std::vector<Job> jobs;
+    if (!PlanJobs(files, output, directory, ".svg", jobs, why))
+        return parser.usage(why, err);
+    if (!directory.empty() && !PrepareDirectory(directory, why)) {
+        err << "vksvg: cannot write to \"" << directory << "\": " << why << '\n';
+        return Failure;
     }
 
+    const vk::svg::LoadOptions loadOptions = loadFlags.options();
     DocumentSession session(err);
-    vk::svg::ItemInterfacePointer<vk::svg::ItemInterface> root;
-    if (!LoadDocument(files[0], loadOptions, root, err))
-        return Failure;
-    if (root == nullptr) {
-        err << "vksvg: \"" << files[0] << "\" holds no item to write\n";
-        return Failure;
-    }
-
-    std::list<std::string> messages;
-    bool saved = false;
-    if (files[1] == "-") {
-        // "-" writes to standard output.
-        vk::vkIoDeviceMemory device;
-        saved = vk::svg::vkSvgIOManager::get().saveSvg(*root, device, "svg", nullptr, &saveOptions, &messages);
-        out << device.getData();
-    } else {
-        saved = vk::svg::vkSvgIOManager::get().saveSvg(*root, files[1], nullptr, &saveOptions, &messages);
-    }
-    PrintMessages(messages, err);
-    return saved ? Success : Failure;
+    const auto work = [&](const Job& job, std::ostream& jobOut, std::ostream& jobErr) {
+        return ConvertOne(job, loadOptions, saveOptions, jobOut, jobErr);
+    };
+    if (directory.empty())
+        return work(jobs.front(), out, err);
+    return RunBatch(jobs, static_cast<unsigned>(jobsCount), work, out, err);
 }
 
 } // namespace vksvg

@@ -6,14 +6,13 @@
 // shapes counted and listed.
 
 #include "Cli.h"
-#include "CommandSupport.h"
+#include "CommandLine.h"
+#include "LoadReport.h"
+#include "Session.h"
 
 #include <svg/Items.h>
 #include <svg/Segmentation.h>
 
-#include <vkSystem/vkLog.h>
-
-#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <iosfwd>
@@ -51,49 +50,28 @@ inline bool LoadTree(const std::string& file, const vk::svg::LoadOptions& option
     return true;
 }
 
-// The value of --tolerance: a finite number above 0. from_chars, not
-// strtof, so that the process locale cannot change what a number means.
-inline bool ParseTolerance(const std::string& text, float& tolerance, std::string& why)
-{
-    float value = 0.0f;
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    if (text.empty() || error != std::errc() || stop != end || !std::isfinite(value)) {
-        why = "--tolerance needs a number, not \"" + text + "\"";
-        return false;
-    }
-    if (!(value > 0.0f)) {
-        why = "--tolerance must be above 0, not \"" + text + "\"";
-        return false;
-    }
-    tolerance = value;
-    return true;
-}
-
-// The segmentation flags of mesh, render and bbox, next to the load flags.
+// The segmentation flag of mesh, render and bbox, next to the load flags.
 struct SegmentationFlags {
+    std::string toleranceText;
     std::optional<float> tolerance;
 
-    // Applies `args[i]` when it is --tolerance (taking its value); false
-    // for anything else. A bad value sets `why`.
-    bool apply(const std::vector<std::string>& args, std::size_t& i, std::string& why)
+    void add(cli::Parser& parser)
     {
-        if (args[i] != "--tolerance")
-            return false;
-        if (i + 1 >= args.size()) {
-            why = "--tolerance needs a value";
-            return true;
-        }
-        float value = 0.0f;
-        if (ParseTolerance(args[++i], value, why))
-            tolerance = value;
-        return true;
+        parser.value("--tolerance", toleranceText, "T",
+                     "Flatten curves to within T (default 0.25; pixels for render, document units for mesh and "
+                     "bbox); not with --subset");
     }
 
-    // The flags against the load profile: --subset means the old
-    // segmentation, which has no tolerance to set.
-    bool check(const vk::svg::LoadOptions& load, std::string& why) const
+    // The value against the load profile: --subset means the old
+    // segmentation, which has no tolerance to set. False with `why`.
+    bool check(const cli::Parser& parser, const vk::svg::LoadOptions& load, std::string& why)
     {
+        if (parser.given("--tolerance")) {
+            float value = 0.0f;
+            if (!cli::ParseTolerance(toleranceText, value, why))
+                return false;
+            tolerance = value;
+        }
         if (tolerance && load.profile == vk::svg::LoadProfile::Subset) {
             why = "--tolerance needs the default segmentation, not --subset";
             return false;
@@ -133,22 +111,19 @@ inline Segmentation SegmentTree(const vk::svg::Node& tree, std::ostream& err,
                                 const vk::svg::SegmentationOptions* options = nullptr)
 {
     Segmentation result;
-    const std::shared_ptr<vk::vkLog> previous = vk::vkLog::getInstance();
-    auto log = std::make_shared<vk::vkLog>();
-    for (int level = 0; level <= vk::vkLog::MaxLevel; ++level)
-        log->setLevelEnabled(level, level <= vk::vkLog::Error);
     std::size_t logged = 0;
-    log->setSink([&logged, &err](const vk::vkLog::Entry& entry) {
-        if (entry.text == "Shape cannot be rendered. Only its contour will be visible.")
-            ++logged;
-        err << "vksvg: " << entry.category << ": " << entry.text << '\n';
-    });
-    vk::vkLog::setInstance(log);
-    if (options != nullptr)
-        result.visitor = std::make_unique<vk::svg::SegmenterVisitor>(tree, *options);
-    else
-        result.visitor = std::make_unique<vk::svg::SegmenterVisitor>(tree);
-    vk::vkLog::setInstance(previous);
+    {
+        // The old segmentation tells of a failed fill only through the log.
+        const LogCapture capture([&logged, &err](const vk::vkLog::Entry& entry) {
+            if (entry.text == "Shape cannot be rendered. Only its contour will be visible.")
+                ++logged;
+            PrintLogEntry(entry, err);
+        });
+        if (options != nullptr)
+            result.visitor = std::make_unique<vk::svg::SegmenterVisitor>(tree, *options);
+        else
+            result.visitor = std::make_unique<vk::svg::SegmenterVisitor>(tree);
+    }
     if (options != nullptr) {
         result.faithful = true;
         result.failedShapes = result.visitor->getFailures().size();

@@ -1,5 +1,8 @@
 #include "Cli.h"
-#include "CommandSupport.h"
+#include "CommandLine.h"
+#include "Json.h"
+#include "LoadReport.h"
+#include "Session.h"
 
 #include <svg/Items.h>
 #include <svg/TextSpace.h>
@@ -13,8 +16,6 @@ namespace vksvg {
 namespace {
 
 using namespace vk::svg;
-
-const char* const kUsage = "Usage: vksvg info FILE [--subset] [--lenient]\n";
 
 constexpr std::array<const char*, 8> kElementNames = {"svg", "g", "line", "rect", "circle", "path", "text", "image"};
 
@@ -148,29 +149,151 @@ private:
     std::array<std::size_t, 8> mCounts{};
 };
 
+// The same outline as one JSON object per item (schema vksvg-info/1).
+class JsonOutline {
+public:
+    json::Json item(const ItemInterface& item)
+    {
+        const auto index = static_cast<std::size_t>(item.getType());
+        if (index < mCounts.size())
+            ++mCounts[index];
+        json::Json object;
+        object["type"] = ElementName(item.getType());
+        object["id"] = item.getId() ? json::Json(*item.getId()) : json::Json(nullptr);
+        object["transform"] = nullptr;
+        if (item.getTransform()) {
+            const Wm4::Matrix3<float>& m = *item.getTransform();
+            object["transform"] = {json::Number(m(0, 0)), json::Number(m(1, 0)), json::Number(m(0, 1)),
+                                   json::Number(m(1, 1)), json::Number(m(0, 2)), json::Number(m(1, 2))};
+        }
+        geometry(item, object);
+        if (const auto* node = dynamic_cast<const Node*>(&item)) {
+            json::Json children = json::Json::array();
+            for (const auto& child : node->getChildren())
+                if (child != nullptr)
+                    children.push_back(this->item(*child));
+            object["children"] = std::move(children);
+        }
+        return object;
+    }
+
+    json::Json counts() const
+    {
+        json::Json counts = json::Json::object();
+        for (std::size_t i = 0; i < mCounts.size(); ++i)
+            counts[kElementNames[i]] = mCounts[i];
+        return counts;
+    }
+
+private:
+    static json::Json Point(const Wm4::Vector2<float>& p) { return {json::Number(p.X()), json::Number(p.Y())}; }
+
+    static void geometry(const ItemInterface& item, json::Json& object)
+    {
+        using json::Number;
+        switch (item.getType()) {
+        case ItemType::Document: {
+            const auto& document = static_cast<const Document&>(item);
+            object["viewBox"] = nullptr;
+            if (document.getViewbox()) {
+                const BoundingBox& box = *document.getViewbox();
+                object["viewBox"] = {Number(box.getMinPoint().X()), Number(box.getMinPoint().Y()),
+                                     Number(box.getWidth()), Number(box.getHeight())};
+            }
+            object["styleBytes"] =
+                document.getStyle() ? json::Json(document.getStyle()->size()) : json::Json(nullptr);
+            break;
+        }
+        case ItemType::Line: {
+            const auto& line = static_cast<const Line&>(item);
+            object["x1"] = Number(line.getStart().X());
+            object["y1"] = Number(line.getStart().Y());
+            object["x2"] = Number(line.getEnd().X());
+            object["y2"] = Number(line.getEnd().Y());
+            break;
+        }
+        case ItemType::Rect: {
+            const auto& rect = static_cast<const Rect&>(item);
+            object["x"] = Number(rect.getPosition().X());
+            object["y"] = Number(rect.getPosition().Y());
+            object["width"] = Number(rect.getSize().X());
+            object["height"] = Number(rect.getSize().Y());
+            object["rx"] = Number(rect.getRadius().X());
+            object["ry"] = Number(rect.getRadius().Y());
+            break;
+        }
+        case ItemType::Circle: {
+            const auto& circle = static_cast<const Circle&>(item);
+            object["cx"] = Number(circle.getCenter().X());
+            object["cy"] = Number(circle.getCenter().Y());
+            object["r"] = Number(circle.getRadius());
+            break;
+        }
+        case ItemType::Path:
+            object["commands"] = static_cast<const Path&>(item).getCommands().size();
+            break;
+        case ItemType::Text: {
+            const auto& text = static_cast<const Text&>(item);
+            object["x"] = Number(text.getPosition().X());
+            object["y"] = Number(text.getPosition().Y());
+            const bool preserve = text.getXmlSpacePreserve().value_or(false);
+            object["content"] =
+                preserve ? ApplySvgXMLSpacePreserve(text.getContent()) : ApplySvgXMLSpaceDefault(text.getContent());
+            break;
+        }
+        case ItemType::Image: {
+            const auto& image = static_cast<const Image&>(item);
+            object["x"] = Number(image.getPosition().X());
+            object["y"] = Number(image.getPosition().Y());
+            object["width"] = Number(image.getSize().X());
+            object["height"] = Number(image.getSize().Y());
+            object["href"] = image.getHref();
+            break;
+        }
+        default:
+            break;
+        }
+    }
+
+    std::array<std::size_t, 8> mCounts{};
+};
+
 } // namespace
 
 int runInfoCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err)
 {
-    std::string file;
-    LoadOptions options = DefaultLoadOptions();
-    for (const std::string& arg : args) {
-        if (file.empty() && !(arg.size() > 1 && arg[0] == '-')) {
-            file = arg;
-        } else if (!ApplyLoadFlag(arg, options)) {
-            err << kUsage;
-            return UsageError;
-        }
-    }
-    if (file.empty()) {
-        err << kUsage;
-        return UsageError;
-    }
+    cli::Parser parser(*findCommand("info"));
+    std::vector<std::string> files;
+    cli::LoadFlags loadFlags;
+    bool asJson = false;
+    parser.app().add_option("FILE", files, "The SVG document (\"-\" for standard input)");
+    parser.flag("--json", asJson, "Print one JSON object (schema vksvg-info/1) instead of the outline");
+    parser.loadFlags(loadFlags);
+    if (const auto status = parser.parse(args, out, err))
+        return *status;
+    if (files.empty())
+        return parser.usage("no input given", err);
+    if (files.size() > 1)
+        return parser.usage("info reads one file, not " + std::to_string(files.size()), err);
+    const std::string& file = files.front();
+    const LoadOptions options = loadFlags.options();
 
     DocumentSession session(err);
     ItemInterfacePointer<ItemInterface> root;
-    if (!LoadDocument(file, options, root, err))
+    io::LoadResult loaded;
+    if (!LoadDocument(file, options, root, err, &loaded))
         return Failure;
+    if (asJson) {
+        JsonOutline outline;
+        json::Json document{{"schema", "vksvg-info/1"},
+                            {"file", io::DisplayName(file)},
+                            {"profile", loadFlags.subset ? "subset" : "full"}};
+        document["root"] = root != nullptr ? outline.item(*root) : json::Json(nullptr);
+        document["counts"] = outline.counts();
+        document["messages"] = json::Messages(loaded.diagnostics);
+        out << json::Dump(document);
+        return Success;
+    }
     Outline outline(out);
     if (root != nullptr)
         outline.item(*root, 0);

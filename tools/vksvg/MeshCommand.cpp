@@ -1,12 +1,15 @@
+#include "Batch.h"
 #include "Cli.h"
 #include "GeometryCommands.h"
+#include "Json.h"
+#include "OutputFile.h"
 
 #include <svg/Options.h>
 #include <svg/Writer.h>
 
 #include <cmath>
 #include <cstdint>
-#include <fstream>
+#include <sstream>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -19,15 +22,7 @@ namespace {
 
 using vk::svg::SegmentedPrimitive;
 
-const char* const kUsage =
-    "Usage: vksvg mesh IN -o OUT [--tolerance T] [--subset] [--lenient]   (OUT ends in .obj or .json)\n";
-
 enum class MeshFormat { Obj, Json };
-
-bool EndsWith(const std::string& text, const std::string& suffix)
-{
-    return text.size() >= suffix.size() && text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
-}
 
 // Numbers go through the library's own formatter, never the process
 // locale. JSON has no NaN or infinity, so those become null.
@@ -250,66 +245,42 @@ void WriteJson(std::ostream& file, const vk::svg::SegmenterVisitor& visitor, std
     file << ",\"stopped\":" << (shapes == nullptr && visitor.hasError() ? "true" : "false") << "}\n";
 }
 
-} // namespace
-
-int runMeshCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err)
-{
-    std::string input;
-    std::string output;
-    vk::svg::LoadOptions options = DefaultLoadOptions();
-    geometry::SegmentationFlags flags;
-    std::string why;
-    for (std::size_t i = 0; i < args.size() && why.empty(); ++i) {
-        const std::string& arg = args[i];
-        if (arg == "-o" && i + 1 < args.size() && output.empty()) {
-            output = args[++i];
-        } else if (flags.apply(args, i, why)) {
-            continue;
-        } else if (input.empty() && !(arg.size() > 1 && arg[0] == '-')) {
-            input = arg;
-        } else if (!ApplyLoadFlag(arg, options)) {
-            err << kUsage;
-            return UsageError;
-        }
-    }
-    if (!why.empty() || !flags.check(options, why)) {
-        err << "vksvg: " << why << '\n' << kUsage;
-        return UsageError;
-    }
+struct MeshSettings {
     MeshFormat format = MeshFormat::Obj;
-    if (EndsWith(output, ".json")) {
-        format = MeshFormat::Json;
-    } else if (!EndsWith(output, ".obj") || input.empty()) {
-        err << kUsage;
-        return UsageError;
-    }
+    vk::svg::LoadOptions load;
+    std::optional<float> tolerance;
+    bool statisticsAsJson = false;
+};
 
-    DocumentSession session(err);
+// Segments one input and writes its mesh; prints the counts, as lines or
+// as one JSON object, unless the mesh itself goes to standard output.
+int MeshOne(const Job& job, const MeshSettings& settings, std::ostream& out, std::ostream& err)
+{
     std::shared_ptr<vk::svg::Node> tree;
-    if (!geometry::LoadTree(input, options, tree, err))
+    if (!geometry::LoadTree(job.input, settings.load, tree, err))
         return Failure;
-    const bool faithful = geometry::Faithful(options);
+    const bool faithful = geometry::Faithful(settings.load);
     const vk::svg::SegmentationOptions segmentationOptions =
-        vk::svg::SegmentationOptions::Faithful(flags.tolerance.value_or(geometry::kDefaultTolerance));
+        vk::svg::SegmentationOptions::Faithful(settings.tolerance.value_or(geometry::kDefaultTolerance));
     const geometry::Segmentation segmentation =
         geometry::SegmentTree(*tree, err, faithful ? &segmentationOptions : nullptr);
     const vk::svg::SegmenterVisitor& visitor = *segmentation.visitor;
 
-    std::ofstream file(output, std::ios::binary);
+    std::ostringstream file;
     if (faithful) {
         const geometry::ShapeWalk walk(*tree);
-        if (format == MeshFormat::Obj)
+        if (settings.format == MeshFormat::Obj)
             WriteSharedObj(file, visitor, walk.shapes());
         else
             WriteJson(file, visitor, segmentation.failedShapes, &walk.shapes());
-    } else if (format == MeshFormat::Obj) {
+    } else if (settings.format == MeshFormat::Obj) {
         WriteObj(file, visitor);
     } else {
         WriteJson(file, visitor, segmentation.failedShapes, nullptr);
     }
-    file.close();
-    if (!file) {
-        err << "vksvg: cannot write \"" << output << "\"\n";
+    std::string why;
+    if (!output::WriteOutput(job.output, file.str(), out, why)) {
+        err << "vksvg: cannot write \"" << job.output << "\": " << why << '\n';
         return Failure;
     }
 
@@ -319,17 +290,91 @@ int runMeshCommand(const std::vector<std::string>& args, std::ostream& out, std:
         points += primitive->getPoints().size();
         triangles += primitive->getTriangleIndices().size() / 3;
     }
-    out << "Primitives: " << visitor.getSegmentedPrimitives().size() << '\n'
-        << "Contour points: " << points << '\n'
-        << "Triangles: " << triangles << '\n'
-        << "Failed shapes: " << segmentation.failedShapes << '\n';
+    const bool stopped = !faithful && visitor.hasError();
+    if (settings.statisticsAsJson) {
+        json::Json failures = json::Json::array();
+        for (const vk::svg::SegmentationFailure& failure : visitor.getFailures())
+            failures.push_back({{"index", failure.index},
+                                {"id", failure.id ? json::Json(*failure.id) : json::Json(nullptr)},
+                                {"reason", failure.reason}});
+        out << json::Dump({{"schema", "vksvg-mesh/1"},
+                           {"file", io::DisplayName(job.input)},
+                           {"output", job.output},
+                           {"format", settings.format == MeshFormat::Obj ? "obj" : "json"},
+                           {"primitives", visitor.getSegmentedPrimitives().size()},
+                           {"contourPoints", points},
+                           {"triangles", triangles},
+                           {"failedShapes", segmentation.failedShapes},
+                           {"failures", failures},
+                           {"stopped", stopped}});
+    } else if (job.output != "-") {
+        out << "Primitives: " << visitor.getSegmentedPrimitives().size() << '\n'
+            << "Contour points: " << points << '\n'
+            << "Triangles: " << triangles << '\n'
+            << "Failed shapes: " << segmentation.failedShapes << '\n';
+        if (stopped)
+            out << "Segmentation stopped at a stroked shape that could not be filled; later shapes are missing.\n";
+    }
     if (segmentation.partial())
         return PartialResult;
-    if (!faithful && visitor.hasError()) {
-        out << "Segmentation stopped at a stroked shape that could not be filled; later shapes are missing.\n";
+    return stopped ? Failure : Success;
+}
+
+} // namespace
+
+int runMeshCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err)
+{
+    cli::Parser parser(*findCommand("mesh"));
+    std::vector<std::string> inputs;
+    std::string output;
+    std::string directory;
+    std::string jobsText;
+    std::string formatText;
+    MeshSettings settings;
+    cli::LoadFlags loadFlags;
+    geometry::SegmentationFlags flags;
+    parser.app().add_option("IN", inputs, "SVG documents (\"-\" for standard input)");
+    parser.value("-o,--output", output, "OUT", "The mesh file: .obj or .json (\"-\" for standard output)");
+    parser.value("-d,--directory", directory, "DIR",
+                 "Write each input to DIR/<stem>.obj, or .json with --format json (made when missing)");
+    parser.value("-j,--jobs", jobsText, "N", "Work on N files at a time (1 to 256, default 1)");
+    parser.value("--format", formatText, "obj|json", "The mesh format for -o - and -d (default obj)");
+    parser.flag("--json", settings.statisticsAsJson,
+                "Print the counts as one JSON object (schema vksvg-mesh/1) per input");
+    flags.add(parser);
+    parser.loadFlags(loadFlags);
+    if (const auto status = parser.parse(args, out, err))
+        return *status;
+
+    settings.load = loadFlags.options();
+    std::string why;
+    if (!flags.check(parser, settings.load, why))
+        return parser.usage(why, err);
+    settings.tolerance = flags.tolerance;
+    long jobsCount = 1;
+    if (parser.given("--jobs") && !cli::ParseWhole("-j", jobsText, 1, 256, jobsCount, why))
+        return parser.usage(why, err);
+    std::string format;
+    if (!output::ChooseFormat("mesh", {"obj", "json"}, output, formatText, format, why))
+        return parser.usage(why, err);
+    settings.format = format == "json" ? MeshFormat::Json : MeshFormat::Obj;
+    std::vector<Job> jobs;
+    if (!PlanJobs(inputs, output, directory, "." + format, jobs, why))
+        return parser.usage(why, err);
+    if (output == "-" && settings.statisticsAsJson)
+        return parser.usage("--json prints to standard output, which -o - already takes", err);
+    if (!directory.empty() && !PrepareDirectory(directory, why)) {
+        err << "vksvg: cannot write to \"" << directory << "\": " << why << '\n';
         return Failure;
     }
-    return Success;
+
+    DocumentSession session(err);
+    const auto work = [&](const Job& job, std::ostream& jobOut, std::ostream& jobErr) {
+        return MeshOne(job, settings, jobOut, jobErr);
+    };
+    if (directory.empty())
+        return work(jobs.front(), out, err);
+    return RunBatch(jobs, static_cast<unsigned>(jobsCount), work, out, err);
 }
 
 } // namespace vksvg

@@ -1,9 +1,13 @@
+#include "Batch.h"
 #include "Cli.h"
 #include "GeometryCommands.h"
+#include "OutputFile.h"
 
 #include <svg/BoundingBoxEstimation.h>
 #include <svg/Color.h>
 
+#include <cairo-pdf.h>
+#include <cairo-svg.h>
 #include <cairo.h>
 
 #include <algorithm>
@@ -21,67 +25,20 @@ namespace {
 using vk::svg::BoundingBox;
 using vk::svg::SegmentedPrimitive;
 
-const char* const kUsage = "Usage: vksvg render IN -o OUT.png [--width W] [--height H] [--background COLOR] "
-                           "[--wireframe] [--tolerance T] [--subset] [--lenient]\n";
-
 constexpr int kDefaultWidth = 512;
 constexpr int kMaxSide = 16384;
 
-struct RenderOptions {
-    std::string input;
-    std::string output;
+enum class PictureFormat { Png, Pdf, Svg };
+
+struct RenderSettings {
+    PictureFormat format = PictureFormat::Png;
     int width = 0;
     int height = 0;
     Wm4::Vector4<unsigned char> background{255, 255, 255, 255};
     bool wireframe = false;
-    vk::svg::LoadOptions load = DefaultLoadOptions();
-    geometry::SegmentationFlags segmentation;
+    vk::svg::LoadOptions load;
+    std::optional<float> tolerance;
 };
-
-bool ParseSide(const std::string& text, int& side)
-{
-    errno = 0;
-    char* end = nullptr;
-    const long value = std::strtol(text.c_str(), &end, 10);
-    if (text.empty() || *end != '\0' || errno != 0 || value < 1 || value > kMaxSide)
-        return false;
-    side = static_cast<int>(value);
-    return true;
-}
-
-// False on a usage error; `why` then says what was wrong, when it can.
-bool ParseArguments(const std::vector<std::string>& args, RenderOptions& options, std::string& why)
-{
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        const std::string& arg = args[i];
-        const bool hasValue = i + 1 < args.size();
-        if (options.segmentation.apply(args, i, why)) {
-            if (!why.empty())
-                return false;
-        } else if (arg == "-o" && hasValue && options.output.empty()) {
-            options.output = args[++i];
-        } else if (arg == "--width" && hasValue) {
-            if (!ParseSide(args[++i], options.width))
-                return false;
-        } else if (arg == "--height" && hasValue) {
-            if (!ParseSide(args[++i], options.height))
-                return false;
-        } else if (arg == "--background" && hasValue) {
-            const std::string& color = args[++i];
-            if (color == "none")
-                options.background = Wm4::Vector4<unsigned char>(0, 0, 0, 0);
-            else if (!vk::svg::ParseSvgColor(color, options.background))
-                return false;
-        } else if (arg == "--wireframe") {
-            options.wireframe = true;
-        } else if (options.input.empty() && !(arg.size() > 1 && arg[0] == '-')) {
-            options.input = arg;
-        } else if (!ApplyLoadFlag(arg, options.load)) {
-            return false;
-        }
-    }
-    return !options.input.empty() && !options.output.empty() && options.segmentation.check(options.load, why);
-}
 
 // A length in pixels as an image side.
 int WholeSide(double length) { return static_cast<int>(std::clamp(std::round(length), 1.0, double(kMaxSide))); }
@@ -310,25 +267,35 @@ void OutlineTriangles(cairo_t* cr, const SegmentedPrimitive& primitive, double p
     cairo_stroke(cr);
 }
 
-} // namespace
-
-int runRenderCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err)
+// Collects what cairo writes.
+cairo_status_t AppendBytes(void* closure, const unsigned char* data, unsigned int length)
 {
-    RenderOptions options;
-    std::string why;
-    if (!ParseArguments(args, options, why)) {
-        if (!why.empty())
-            err << "vksvg: " << why << '\n';
-        err << kUsage;
-        return UsageError;
-    }
+    static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
+    return CAIRO_STATUS_SUCCESS;
+}
 
-    DocumentSession session(err);
+// A surface of the picture's format whose bytes go to `bytes`; PDF and SVG
+// measure in points, one per pixel.
+cairo_surface_t* CreateSurface(PictureFormat format, int width, int height, std::string& bytes)
+{
+    switch (format) {
+    case PictureFormat::Pdf:
+        return cairo_pdf_surface_create_for_stream(AppendBytes, &bytes, width, height);
+    case PictureFormat::Svg:
+        return cairo_svg_surface_create_for_stream(AppendBytes, &bytes, width, height);
+    default:
+        return cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
+    }
+}
+
+// Draws one input and writes its picture.
+int RenderOne(const Job& job, const RenderSettings& settings, std::ostream& out, std::ostream& err)
+{
     std::shared_ptr<vk::svg::Node> tree;
-    if (!geometry::LoadTree(options.input, options.load, tree, err))
+    if (!geometry::LoadTree(job.input, settings.load, tree, err))
         return Failure;
-    const bool faithful = geometry::Faithful(options.load);
-    const float tolerance = options.segmentation.tolerance.value_or(geometry::kDefaultTolerance);
+    const bool faithful = geometry::Faithful(settings.load);
+    const float tolerance = settings.tolerance.value_or(geometry::kDefaultTolerance);
 
     // The faithful segmentation's tolerance depends on the scale, which
     // depends on the box; only a drawing without a viewBox or estimate
@@ -347,13 +314,13 @@ int runRenderCommand(const std::vector<std::string>& args, std::ostream& out, st
     // with both given the drawing is fitted and centred.
     const BoundingBox box = SourceBox(*tree, segmentation ? segmentation->visitor.get() : nullptr);
     const double aspect = static_cast<double>(box.getHeight()) / box.getWidth();
-    int width = options.width;
-    int height = options.height;
+    int width = settings.width;
+    int height = settings.height;
     const BoundingBox* viewbox = Viewbox(*tree);
     if (width == 0 && height == 0) {
         // The full profile's viewBox is the root viewport in pixels, so it
         // is drawn at its own size.
-        if (options.load.profile == vk::svg::LoadProfile::Full && viewbox != nullptr) {
+        if (settings.load.profile == vk::svg::LoadProfile::Full && viewbox != nullptr) {
             width = WholeSide(viewbox->getWidth());
             height = WholeSide(viewbox->getHeight());
         } else {
@@ -377,9 +344,10 @@ int runRenderCommand(const std::vector<std::string>& args, std::ostream& out, st
     }
     const vk::svg::SegmenterVisitor& visitor = *segmentation->visitor;
 
-    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
+    std::string bytes;
+    cairo_surface_t* surface = CreateSurface(settings.format, width, height, bytes);
     cairo_t* cr = cairo_create(surface);
-    const auto& bg = options.background;
+    const auto& bg = settings.background;
     cairo_set_source_rgba(cr, bg[0] / 255.0, bg[1] / 255.0, bg[2] / 255.0, bg[3] / 255.0);
     cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
     cairo_paint(cr);
@@ -390,7 +358,7 @@ int runRenderCommand(const std::vector<std::string>& args, std::ostream& out, st
     cairo_translate(cr, -box.getMinPoint().X(), -box.getMinPoint().Y());
     // The subset draws every stroke at its width in the document's space.
     std::vector<Wm4::Matrix3<float>> userSpaces;
-    if (options.load.profile == vk::svg::LoadProfile::Full) {
+    if (settings.load.profile == vk::svg::LoadProfile::Full) {
         const geometry::ShapeWalk walk(*tree);
         for (const geometry::ShapeWalk::Shape& shape : walk.shapes())
             userSpaces.push_back(shape.transform);
@@ -404,22 +372,109 @@ int runRenderCommand(const std::vector<std::string>& args, std::ostream& out, st
         ++shape;
         triangles += primitive->getTriangleIndices().size() / 3;
     }
-    if (options.wireframe)
+    if (settings.wireframe)
         for (const auto& primitive : visitor.getSegmentedPrimitives())
             OutlineTriangles(cr, *primitive, 1.0 / scale);
 
-    cairo_surface_flush(surface);
-    const cairo_status_t status = cairo_surface_write_to_png(surface, options.output.c_str());
     cairo_destroy(cr);
+    cairo_status_t status = CAIRO_STATUS_SUCCESS;
+    if (settings.format == PictureFormat::Png) {
+        cairo_surface_flush(surface);
+        status = cairo_surface_write_to_png_stream(surface, AppendBytes, &bytes);
+    } else {
+        // Vector surfaces write their last bytes when finished.
+        cairo_surface_finish(surface);
+        status = cairo_surface_status(surface);
+    }
     cairo_surface_destroy(surface);
-    if (status != CAIRO_STATUS_SUCCESS) {
-        err << "vksvg: cannot write \"" << options.output << "\": " << cairo_status_to_string(status) << '\n';
+    std::string why = status == CAIRO_STATUS_SUCCESS ? std::string() : cairo_status_to_string(status);
+    if (!why.empty() || !output::WriteOutput(job.output, bytes, out, why)) {
+        err << "vksvg: cannot write \"" << job.output << "\": " << why << '\n';
         return Failure;
     }
-    out << "Wrote " << options.output << " (" << width << "x" << height
-        << "): " << visitor.getSegmentedPrimitives().size() << " primitives, " << triangles << " triangles, "
-        << segmentation->failedShapes << " failed shapes\n";
+    if (job.output != "-")
+        out << "Wrote " << job.output << " (" << width << "x" << height
+            << "): " << visitor.getSegmentedPrimitives().size() << " primitives, " << triangles << " triangles, "
+            << segmentation->failedShapes << " failed shapes\n";
     return segmentation->partial() ? PartialResult : Success;
+}
+
+} // namespace
+
+int runRenderCommand(const std::vector<std::string>& args, std::ostream& out, std::ostream& err)
+{
+    cli::Parser parser(*findCommand("render"));
+    std::vector<std::string> inputs;
+    std::string output;
+    std::string directory;
+    std::string jobsText;
+    std::string formatText;
+    std::string widthText;
+    std::string heightText;
+    std::string backgroundText;
+    RenderSettings settings;
+    cli::LoadFlags loadFlags;
+    geometry::SegmentationFlags flags;
+    const std::string side = "1 to " + std::to_string(kMaxSide);
+    parser.app().add_option("IN", inputs, "SVG documents (\"-\" for standard input)");
+    parser.value("-o,--output", output, "OUT", "The picture: .png, .pdf or .svg (\"-\" for standard output)");
+    parser.value("-d,--directory", directory, "DIR",
+                 "Write each input to DIR/<stem>.png, or the --format's extension (made when missing)");
+    parser.value("-j,--jobs", jobsText, "N", "Work on N files at a time (1 to 256, default 1)");
+    parser.value("--format", formatText, "png|pdf|svg", "The picture format for -o - and -d (default png)");
+    parser.value("--width", widthText, "W", "Picture width in pixels, " + side);
+    parser.value("--height", heightText, "H", "Picture height in pixels, " + side);
+    parser.value("--background", backgroundText, "COLOR", "Any SVG colour, or none for transparent (default white)");
+    parser.flag("--wireframe", settings.wireframe, "Also outline every triangle");
+    flags.add(parser);
+    parser.loadFlags(loadFlags);
+    if (const auto status = parser.parse(args, out, err))
+        return *status;
+
+    std::string why;
+    long value = 0;
+    if (parser.given("--width")) {
+        if (!cli::ParseWhole("--width", widthText, 1, kMaxSide, value, why))
+            return parser.usage(why, err);
+        settings.width = static_cast<int>(value);
+    }
+    if (parser.given("--height")) {
+        if (!cli::ParseWhole("--height", heightText, 1, kMaxSide, value, why))
+            return parser.usage(why, err);
+        settings.height = static_cast<int>(value);
+    }
+    if (parser.given("--background")) {
+        if (backgroundText == "none")
+            settings.background = Wm4::Vector4<unsigned char>(0, 0, 0, 0);
+        else if (!vk::svg::ParseSvgColor(backgroundText, settings.background))
+            return parser.usage("--background needs an SVG colour or none, not \"" + backgroundText + "\"", err);
+    }
+    settings.load = loadFlags.options();
+    if (!flags.check(parser, settings.load, why))
+        return parser.usage(why, err);
+    settings.tolerance = flags.tolerance;
+    long jobsCount = 1;
+    if (parser.given("--jobs") && !cli::ParseWhole("-j", jobsText, 1, 256, jobsCount, why))
+        return parser.usage(why, err);
+    std::string format;
+    if (!output::ChooseFormat("render", {"png", "pdf", "svg"}, output, formatText, format, why))
+        return parser.usage(why, err);
+    settings.format = format == "pdf" ? PictureFormat::Pdf : format == "svg" ? PictureFormat::Svg : PictureFormat::Png;
+    std::vector<Job> jobs;
+    if (!PlanJobs(inputs, output, directory, "." + format, jobs, why))
+        return parser.usage(why, err);
+    if (!directory.empty() && !PrepareDirectory(directory, why)) {
+        err << "vksvg: cannot write to \"" << directory << "\": " << why << '\n';
+        return Failure;
+    }
+
+    DocumentSession session(err);
+    const auto work = [&](const Job& job, std::ostream& jobOut, std::ostream& jobErr) {
+        return RenderOne(job, settings, jobOut, jobErr);
+    };
+    if (directory.empty())
+        return work(jobs.front(), out, err);
+    return RunBatch(jobs, static_cast<unsigned>(jobsCount), work, out, err);
 }
 
 } // namespace vksvg
