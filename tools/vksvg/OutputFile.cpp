@@ -161,7 +161,10 @@ bool ChooseFormat(const std::string& command, const std::vector<std::string>& fo
         return false;
     }
     const std::string flag = Lower(formatFlag);
-    if (output.empty() || output == "-") {
+    // A device or a pipe has no extension to go by.
+    struct stat info {};
+    const bool special = ::stat(output.c_str(), &info) == 0 && !S_ISREG(info.st_mode) && !S_ISDIR(info.st_mode);
+    if (output.empty() || output == "-" || special) {
         format = flag.empty() ? formats.front() : flag;
         return true;
     }

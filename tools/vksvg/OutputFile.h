@@ -20,8 +20,8 @@ bool WriteOutput(const std::string& path, const std::string& bytes, std::ostream
 
 // The format of `output` among `formats` (lower-case names that are also
 // the extensions; the first is the default): from `--format` when given,
-// else from the file's extension. "-" and an empty output (several inputs
-// into a directory) take `--format` or the default. False with a message
+// else from the file's extension. "-", a device or pipe, and an empty
+// output (several inputs into a directory) take `--format` or the default. False with a message
 // for the user in `why`.
 bool ChooseFormat(const std::string& command, const std::vector<std::string>& formats, const std::string& output,
                   const std::string& formatFlag, std::string& format, std::string& why);
