@@ -66,13 +66,16 @@ TEST_F(DocumentCommands, ResultsAndMessages)
          "  g\n"
          "Items: svg 1, g 2, line 1, rect 1, circle 1, path 1, text 1, image 1\n",
          ""},
-        {{"info", odd, "--subset"}, 1, "", "vksvg: " + odd + ": Unsupported attribute attribute \"width\" with value \"1\"\n" + hint},
+        {{"info", odd, "--subset"},
+         1,
+         "",
+         "vksvg: " + odd + ": Unsupported attribute attribute \"width\" with value \"1\"\n" + hint},
         {{"info", "--lenient", odd, "--subset"},
          0,
          "svg\n  text x=0 y=0 content=\"t\"\nItems: svg 1, text 1\n",
-         "vksvg: " + odd + ": Ignore unsupported attribute \"width\" with value \"1\"\n" +
-             "vksvg: " + odd + ": Ignore unsupported tag in svg : \"foo\"\n" +
-             "vksvg: " + odd + ": Ignore unsupported attribute \"font-style\" with value \"oblique\"\n"},
+         "vksvg: " + odd + ": Ignore unsupported attribute \"width\" with value \"1\"\n" + "vksvg: " + odd +
+             ": Ignore unsupported tag in svg : \"foo\"\n" + "vksvg: " + odd +
+             ": Ignore unsupported attribute \"font-style\" with value \"oblique\"\n"},
         {{"info", Path("missing.svg"), "--subset"},
          1,
          "",
@@ -85,7 +88,10 @@ TEST_F(DocumentCommands, ResultsAndMessages)
                        "<path d=\"M10 20C10 20 30-5 30-5\"/></g></svg>\n",
          ""},
         {{"convert", "--pretty", in, Path("out.svg"), "--no-header", "--subset"}, 0, "", ""},
-        {{"convert", ellipse, "-", "--subset"}, 1, "", "vksvg: " + ellipse + ": Found unsupported tag in svg : \"ellipse\"\n" + hint},
+        {{"convert", ellipse, "-", "--subset"},
+         1,
+         "",
+         "vksvg: " + ellipse + ": Found unsupported tag in svg : \"ellipse\"\n" + hint},
         {{"convert", ellipse, "-", "--lenient", "--no-header", "--subset"},
          0,
          declaration + "<svg xmlns=\"http://www.w3.org/2000/svg\"><rect width=\"0\" height=\"0\"/></svg>\n",

@@ -40,9 +40,9 @@ inline void WriteFile(const std::string& path, const std::string& text)
 }
 
 struct ProcessOptions {
-    std::string input;            // standard input
-    std::string directory;        // working directory; the test's own when empty
-    rlim_t fileSizeLimit = 0;     // RLIMIT_FSIZE in bytes when not 0
+    std::string input;        // standard input
+    std::string directory;    // working directory; the test's own when empty
+    rlim_t fileSizeLimit = 0; // RLIMIT_FSIZE in bytes when not 0
 };
 
 // Runs vksvg with `args`; standard output and error go through files, so

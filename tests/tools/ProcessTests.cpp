@@ -111,7 +111,8 @@ TEST_F(Process, UsageErrorsSayWhatIsWrong)
         {{"mesh", in, File("in.SVG", kSquare), "-d", "dir"},
          "\"" + in + "\" and \"" + File("in.SVG") + "\" would both write \"dir/in.obj\""},
         {{"mesh", in, "-o", "-", "--json"}, "--json prints to standard output, which -o - already takes"},
-        {{"convert", in, "out.svg", "--precision", "101"}, "--precision needs a whole number from -1 to 100, not \"101\""},
+        {{"convert", in, "out.svg", "--precision", "101"},
+         "--precision needs a whole number from -1 to 100, not \"101\""},
         {{"convert", in, "a.svg", "b.svg"}, "3 files given: convert takes IN OUT, IN -o OUT, or several inputs"},
         {{"info", in, "--bogus"}, "unknown option \"--bogus\""},
         {{"info", in, "--subset=yes"}, "--subset takes no value"},
@@ -221,8 +222,8 @@ TEST_F(Process, LoadFailuresNameTheFileThePlaceAndAHint)
     const std::string broken = Data("tool/broken.svg");
     const ProcessRun syntax = RunVksvg({"info", broken});
     EXPECT_EQ(syntax.status, 1);
-    EXPECT_EQ(syntax.err, "vksvg: " + broken +
-                              ":3:36: Opening and ending tag mismatch: rect line 3 and g (line 3, column 36)\n");
+    EXPECT_EQ(syntax.err,
+              "vksvg: " + broken + ":3:36: Opening and ending tag mismatch: rect line 3 and g (line 3, column 36)\n");
 
     const std::string unsupported = Data("tool/unsupported.svg");
     const ProcessRun strict = RunVksvg({"mesh", unsupported, "-o", File("u.obj"), "--subset"});

@@ -105,7 +105,8 @@ TEST(ToolParts, PrefixLines)
               "vksvg: a.svg:3:7: bad\nvksvg: a.svg: shape 1: why\nvksvg: a.svg: plain\n");
     EXPECT_EQ(PrefixLines("vksvg: cannot read \"a.svg\": Is a directory\n", "a.svg", true),
               "vksvg: cannot read \"a.svg\": Is a directory\n");
-    EXPECT_EQ(PrefixLines("Primitives: 2\nTriangles: 2\n", "a.svg", false), "a.svg: Primitives: 2\na.svg: Triangles: 2\n");
+    EXPECT_EQ(PrefixLines("Primitives: 2\nTriangles: 2\n", "a.svg", false),
+              "a.svg: Primitives: 2\na.svg: Triangles: 2\n");
     EXPECT_EQ(PrefixLines("", "a.svg", true), "");
 }
 

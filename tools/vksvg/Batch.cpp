@@ -39,10 +39,7 @@ int Rank(int status)
     }
 }
 
-std::string Stem(const std::string& input)
-{
-    return std::filesystem::path(input).stem().string();
-}
+std::string Stem(const std::string& input) { return std::filesystem::path(input).stem().string(); }
 
 } // namespace
 
@@ -127,8 +124,7 @@ std::string PrefixLines(const std::string& text, const std::string& input, bool 
     return result;
 }
 
-int RunBatch(const std::vector<Job>& jobs, unsigned threads, const JobWork& work, std::ostream& out,
-             std::ostream& err)
+int RunBatch(const std::vector<Job>& jobs, unsigned threads, const JobWork& work, std::ostream& out, std::ostream& err)
 {
     std::mutex printing;
     Progress progress(err, jobs.size(), Progress::IsTerminal(err));

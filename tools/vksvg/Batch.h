@@ -37,8 +37,7 @@ using JobWork = std::function<int(const Job& job, std::ostream& out, std::ostrea
 // messages are kept until it ends and then printed together, every line
 // led by the job's input, so that lines of different files never mix.
 // Ends with the list of the files that failed; returns the worst status.
-int RunBatch(const std::vector<Job>& jobs, unsigned threads, const JobWork& work, std::ostream& out,
-             std::ostream& err);
+int RunBatch(const std::vector<Job>& jobs, unsigned threads, const JobWork& work, std::ostream& out, std::ostream& err);
 
 // Prefixes every line of `text` for `input`: messages ("vksvg: ...") become
 // "vksvg: <input>: ..." unless they already name it, other lines

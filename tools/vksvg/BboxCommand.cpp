@@ -10,8 +10,8 @@
 #include <array>
 #include <cmath>
 #include <list>
-#include <optional>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <sstream>
 #include <vector>

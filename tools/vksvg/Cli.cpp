@@ -57,13 +57,11 @@ const std::vector<Command>& commands()
          "Load an SVG document and print its items as an indented outline with ids and key geometry, then the "
          "number of items of each type. Warnings and errors go to standard error, one per line.",
          runInfoCommand, "vksvg info drawing.svg --json"},
-        {"convert",
-         "IN OUT | IN... -d DIR [-j N] [--precision N] [--pretty] [--no-header] [--subset] [--lenient]",
+        {"convert", "IN OUT | IN... -d DIR [-j N] [--precision N] [--pretty] [--no-header] [--subset] [--lenient]",
          "Load IN and save it as OUT (\"-\" for standard output): N digits after the point (default 6), "
          "indented output, no Exporter/Datetime comments. Messages go to standard error.",
          runConvertCommand, "vksvg convert drawing.svg clean.svg --precision 2 --pretty"},
-        {"mesh",
-         "IN -o OUT | IN... -d DIR [-j N] [--format obj|json] [--json] [--tolerance T] [--subset] [--lenient]",
+        {"mesh", "IN -o OUT | IN... -d DIR [-j N] [--format obj|json] [--json] [--tolerance T] [--subset] [--lenient]",
          "Segment IN and write the result to OUT: .obj (one object per shape named by its id or shape-N, each "
          "vertex once, outline as lines, fill as triangles) or .json (per shape its id, points, index pairs, "
          "subpaths, triangle vertices and indices, fill and stroke colours, stroke width; then the failed shapes). "

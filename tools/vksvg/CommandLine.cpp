@@ -45,7 +45,8 @@ std::string Wrap(const std::string& text, std::size_t width)
 } // namespace
 
 Parser::Parser(const Command& command)
-    : mCommand(command), mApp(std::make_unique<CLI::App>(Wrap(command.summary, 100), std::string("vksvg ") + command.name))
+    : mCommand(command),
+      mApp(std::make_unique<CLI::App>(Wrap(command.summary, 100), std::string("vksvg ") + command.name))
 {
     mApp->set_help_flag("-h,--help", "Print this help and exit");
     mApp->footer(std::string("Example:\n  ") + command.example + "\n\n" + exitStatusText());
@@ -102,8 +103,8 @@ std::string Parser::explain(const CLI::ParseError& error) const
         // CLI11 words these as "NAME: 1 required TYPE missing" and "NAME was
         // given a disallowed flag override".
         const std::size_t colon = what.find(": ");
-        if (colon != std::string::npos && what.find(" required ") != std::string::npos &&
-            what.size() > 8 && what.compare(what.size() - 8, 8, " missing") == 0)
+        if (colon != std::string::npos && what.find(" required ") != std::string::npos && what.size() > 8 &&
+            what.compare(what.size() - 8, 8, " missing") == 0)
             return what.substr(0, colon) + " needs a value";
         const std::string overridden = " was given a disallowed flag override";
         const std::size_t at = what.find(overridden);
@@ -125,15 +126,14 @@ int Parser::usage(const std::string& why, std::ostream& err) const
     return UsageError;
 }
 
-bool ParseWhole(const std::string& option, const std::string& text, long min, long max, long& value,
-                std::string& why)
+bool ParseWhole(const std::string& option, const std::string& text, long min, long max, long& value, std::string& why)
 {
     long parsed = 0;
     const char* end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, parsed);
     if (text.empty() || error != std::errc() || stop != end || parsed < min || parsed > max) {
-        why = option + " needs a whole number from " + std::to_string(min) + " to " + std::to_string(max) +
-              ", not \"" + text + "\"";
+        why = option + " needs a whole number from " + std::to_string(min) + " to " + std::to_string(max) + ", not \"" +
+              text + "\"";
         return false;
     }
     value = parsed;

@@ -64,8 +64,7 @@ private:
 // the value, when the text is not allowed.
 
 // A whole decimal number from `min` to `max`.
-bool ParseWhole(const std::string& option, const std::string& text, long min, long max, long& value,
-                std::string& why);
+bool ParseWhole(const std::string& option, const std::string& text, long min, long max, long& value, std::string& why);
 
 // A finite number above 0, read in the "C" locale whatever the process's.
 bool ParseTolerance(const std::string& text, float& tolerance, std::string& why);

@@ -96,8 +96,7 @@ int runConvertCommand(const std::vector<std::string>& args, std::ostream& out, s
     // Without -o or -d the last file is the output.
     if (output.empty() && directory.empty()) {
         if (files.size() != 2)
-            return parser.usage(std::to_string(files.size()) +
-                                    (files.size() == 1 ? " file given" : " files given") +
+            return parser.usage(std::to_string(files.size()) + (files.size() == 1 ? " file given" : " files given") +
                                     ": convert takes IN OUT, IN -o OUT, or several inputs with -d DIR",
                                 err);
         output = files.back();

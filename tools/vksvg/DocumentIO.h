@@ -53,7 +53,8 @@ struct SaveResult {
 };
 
 // Writes `root` as SVG to `device`.
-SaveResult SaveDocument(const vk::svg::ItemInterface& root, vk::vkIoDevice& device, const vk::svg::SaveOptions& options);
+SaveResult SaveDocument(const vk::svg::ItemInterface& root, vk::vkIoDevice& device,
+                        const vk::svg::SaveOptions& options);
 
 // How the tool names `path` in messages: "<stdin>" for "-".
 std::string DisplayName(const std::string& path);

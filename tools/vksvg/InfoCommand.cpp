@@ -200,8 +200,7 @@ private:
                 object["viewBox"] = {Number(box.getMinPoint().X()), Number(box.getMinPoint().Y()),
                                      Number(box.getWidth()), Number(box.getHeight())};
             }
-            object["styleBytes"] =
-                document.getStyle() ? json::Json(document.getStyle()->size()) : json::Json(nullptr);
+            object["styleBytes"] = document.getStyle() ? json::Json(document.getStyle()->size()) : json::Json(nullptr);
             break;
         }
         case ItemType::Line: {

@@ -43,9 +43,6 @@ Json Messages(const std::vector<io::Diagnostic>& diagnostics)
     return list;
 }
 
-std::string Dump(const Json& document)
-{
-    return document.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
-}
+std::string Dump(const Json& document) { return document.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n"; }
 
 } // namespace vksvg::json

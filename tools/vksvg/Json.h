@@ -16,7 +16,8 @@
 
 namespace vksvg::json {
 
-using Json = nlohmann::json;
+// Keys stay in the order they are written, "schema" first.
+using Json = nlohmann::ordered_json;
 
 // A float as the shortest decimal that reads back to it; null for NaN and
 // infinities, which JSON has no words for.

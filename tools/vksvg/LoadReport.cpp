@@ -20,8 +20,9 @@ void PrintHint(const io::LoadResult& result, const vk::svg::LoadOptions& options
     bool malformed = false;
     for (const io::Diagnostic& diagnostic : result.diagnostics) {
         unsupported = unsupported || IsUnsupported(diagnostic.text);
-        // The parser places its complaints; no option mends bad XML.
-        malformed = malformed || diagnostic.line.has_value();
+        // The parser places its complaints, and an empty document is
+        // empty to both profiles: no option mends either.
+        malformed = malformed || diagnostic.line.has_value() || StartsWith(diagnostic.text, "Document is empty");
     }
     if (malformed)
         return;

@@ -9,9 +9,9 @@
 
 #include <cmath>
 #include <cstdint>
-#include <sstream>
 #include <optional>
 #include <ostream>
+#include <sstream>
 #include <string>
 #include <unordered_map>
 #include <vector>
