@@ -7,33 +7,33 @@
 
 namespace vk::svg {
 
-// Axis-aligned 2D box, used for viewBoxes and bounding-box estimation.
+/// Axis-aligned 2D box, used for viewBoxes and bounding-box estimation.
 /// Threads: a plain value with no shared state; one box may be read from
 /// several threads at once, but not read while another thread changes it.
 class VKSVG_API BoundingBox {
 public:
-    // The invalid box (1, 1)-(-1, -1). Small finite corners rather than
-    // infinities: expanding and margins rely on these exact values.
+    /// The invalid box (1, 1)-(-1, -1). Small finite corners rather than
+    /// infinities: expanding and margins rely on these exact values.
     BoundingBox();
     BoundingBox(const Wm4::Vector2<float>& minPoint, const Wm4::Vector2<float>& maxPoint);
 
-    // True when max >= min on both axes; a NaN anywhere makes the box invalid.
+    /// True when max >= min on both axes; a NaN anywhere makes the box invalid.
     bool isValid() const;
 
-    // An invalid box becomes a copy of `other`, valid or not. A valid box
-    // merges with `other`'s corners without asking whether `other` is valid,
-    // so callers holding possibly invalid boxes test isValid first.
+    /// An invalid box becomes a copy of `other`, valid or not. A valid box
+    /// merges with `other`'s corners without asking whether `other` is valid,
+    /// so callers holding possibly invalid boxes test isValid first.
     void expandToContain(const BoundingBox& other);
-    // An invalid box collapses onto `point`; a valid one grows to include it.
+    /// An invalid box collapses onto `point`; a valid one grows to include it.
     void expandToContain(const Wm4::Vector2<float>& point);
 
-    // Moves min down and max up by `margin`; a negative margin shrinks the box.
+    /// Moves min down and max up by `margin`; a negative margin shrinks the box.
     void addMargin(const Wm4::Vector2<float>& margin);
     void translate(const Wm4::Vector2<float>& offset);
 
     Wm4::Vector2<float> getMinPoint() const;
     Wm4::Vector2<float> getMaxPoint() const;
-    // max - min, negative for an invalid box.
+    /// max - min, negative for an invalid box.
     Wm4::Vector2<float> getSize() const;
     Wm4::Vector2<float> getCenterPoint() const;
     float getWidth() const;
@@ -44,7 +44,7 @@ private:
     Wm4::Vector2<float> mMaxPoint;
 };
 
-// Exact comparison of the corner coordinates, component by component.
+/// Exact comparison of the corner coordinates, component by component.
 VKSVG_API bool operator==(const BoundingBox& a, const BoundingBox& b);
 VKSVG_API bool operator!=(const BoundingBox& a, const BoundingBox& b);
 

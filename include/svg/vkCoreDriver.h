@@ -16,15 +16,15 @@ class vkProgressNotifierInterface;
 
 namespace vk::svg {
 
-// How well a driver fits a load or save key.
+/// How well a driver fits a load or save key.
 enum class DriverMatch : int {
-    None = 0,     // cannot handle the key
-    Possible = 1, // can handle it, but another driver may be better
-    Exact = 2,    // made for this key
+    None = 0,     ///< cannot handle the key
+    Possible = 1, ///< can handle it, but another driver may be better
+    Exact = 2,    ///< made for this key
 };
 
-// The base of every load/save driver: it keeps the warnings and errors of the
-// driver's last request, in the order they were produced.
+/// The base of every load/save driver: it keeps the warnings and errors of the
+/// driver's last request, in the order they were produced.
 /// Threads: the message list is the driver's own unlocked state, rewritten by
 /// every request, so one driver object serves one request at a time. Use a
 /// driver object per thread, or LoadSvgDocument and SaveSvgDocument
@@ -41,23 +41,26 @@ public:
     vkCoreDriver& operator=(const vkCoreDriver&) = delete;
     virtual ~vkCoreDriver() = default;
 
+    ///@{
+    /// The warnings and errors of the driver's last request, in order.
     const std::list<std::string>& getMessages() const { return mMessages; }
     std::list<std::string>& editMessages() { return mMessages; }
+    ///@}
 
 private:
     std::list<std::string> mMessages;
 };
 
-// The interface of every SVG driver. A load key is a device (always null when
-// the manager asks) and a name: a file's extension or the caller's format
-// name. A save key is that name alone.
+/// The interface of every SVG driver. A load key is a device (always null when
+/// the manager asks) and a name: a file's extension or the caller's format
+/// name. A save key is that name alone.
 class VKSVG_API vkCoreSvgIODriver
     : public vkCoreDriver<std::pair<vk::vkIoDevice*, std::string>, std::string, LoadOptions, SaveOptions> {
 public:
     vkCoreSvgIODriver();
     ~vkCoreSvgIODriver() override;
 
-    // A DriverMatch value.
+    /// A DriverMatch value.
     virtual int canLoad(const std::pair<vk::vkIoDevice*, std::string>& key, const LoadOptions& options) const = 0;
     virtual int canSave(const std::string& key, const SaveOptions& options) const = 0;
 

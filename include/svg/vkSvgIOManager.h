@@ -17,9 +17,9 @@ class vkProgressNotifierInterface;
 
 namespace vk::svg {
 
-// The single entry point for loading and saving: it asks the registered
-// drivers which fits a request best and hands the request to that driver.
-// One instance exists between initializeVkSvg and terminateVkSvg.
+/// The single entry point for loading and saving: it asks the registered
+/// drivers which fits a request best and hands the request to that driver.
+/// One instance exists between initializeVkSvg and terminateVkSvg.
 /// Threads: the manager has no lock. Its loads and saves run the registered
 /// driver, whose message list every request rewrites, so only one load or
 /// save through the manager may run at a time in the whole process, and
@@ -33,23 +33,24 @@ public:
     vkSvgIOManager(const vkSvgIOManager&) = delete;
     vkSvgIOManager& operator=(const vkSvgIOManager&) = delete;
 
-    // The instance; null outside the library's initialised lifetime.
+    /// The instance; null outside the library's initialised lifetime.
     static vkSvgIOManager* sThis;
-    // Neither checks for a missing instance.
+    /// Neither checks for a missing instance.
     static const vkSvgIOManager& get() { return *sThis; }
     static vkSvgIOManager& edit() { return *sThis; }
 
-    // Drivers are not owned: whoever registers one unregisters and deletes
-    // it. `append` false puts the driver before all others, so that it wins
-    // ties. Registering a driver twice or unregistering an unknown one
-    // changes nothing and is logged.
+    /// Drivers are not owned: whoever registers one unregisters and deletes
+    /// it. `append` false puts the driver before all others, so that it wins
+    /// ties. Registering a driver twice or unregistering an unknown one
+    /// changes nothing and is logged.
     void registerDriver(vkCoreSvgIODriver* driver, bool append);
     void unregisterDriver(vkCoreSvgIODriver* driver);
+    /// The registered drivers, in the order they are asked.
     const std::vector<vkCoreSvgIODriver*>& getDrivers() const { return mDrivers; }
 
-    // The key of a file request is the file's extension; of a device request
-    // the caller's `name` as given. progress, options and messages may be
-    // null.
+    /// The key of a file request is the file's extension; of a device request
+    /// the caller's `name` as given. progress, options and messages may be
+    /// null.
     /// Messages: when a driver was chosen, *messages is cleared and then
     /// receives a copy of the driver's messages for this request, whether it
     /// succeeded or not, so what the list held before is gone. When no
