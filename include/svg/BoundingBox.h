@@ -8,6 +8,7 @@
 namespace vk::svg {
 
 /// Axis-aligned 2D box, used for viewBoxes and bounding-box estimation.
+///
 /// Threads: a plain value with no shared state; one box may be read from
 /// several threads at once, but not read while another thread changes it.
 class VKSVG_API BoundingBox {
@@ -15,6 +16,7 @@ public:
     /// The invalid box (1, 1)-(-1, -1). Small finite corners rather than
     /// infinities: expanding and margins rely on these exact values.
     BoundingBox();
+    /// The box from `minPoint` to `maxPoint`, taken as given (valid or not).
     BoundingBox(const Wm4::Vector2<float>& minPoint, const Wm4::Vector2<float>& maxPoint);
 
     /// True when max >= min on both axes; a NaN anywhere makes the box invalid.
@@ -29,14 +31,20 @@ public:
 
     /// Moves min down and max up by `margin`; a negative margin shrinks the box.
     void addMargin(const Wm4::Vector2<float>& margin);
+    /// Moves both corners by `offset`.
     void translate(const Wm4::Vector2<float>& offset);
 
+    /// The minimum corner.
     Wm4::Vector2<float> getMinPoint() const;
+    /// The maximum corner.
     Wm4::Vector2<float> getMaxPoint() const;
     /// max - min, negative for an invalid box.
     Wm4::Vector2<float> getSize() const;
+    /// The middle of the two corners.
     Wm4::Vector2<float> getCenterPoint() const;
+    /// max.x - min.x, negative for an invalid box.
     float getWidth() const;
+    /// max.y - min.y, negative for an invalid box.
     float getHeight() const;
 
 private:
@@ -44,9 +52,11 @@ private:
     Wm4::Vector2<float> mMaxPoint;
 };
 
+///@{
 /// Exact comparison of the corner coordinates, component by component.
 VKSVG_API bool operator==(const BoundingBox& a, const BoundingBox& b);
 VKSVG_API bool operator!=(const BoundingBox& a, const BoundingBox& b);
+///@}
 
 } // namespace vk::svg
 

@@ -15,6 +15,7 @@ class ItemInterface;
 /// its accumulated transform, without stroke widths, with curves bounded by
 /// their primitives. `box` is reset first. Items for which `skip` answers true
 /// are left out together with their subtrees.
+///
 /// Threads: keeps no state of its own. Calls may run at once on any threads,
 /// also over the same tree, as long as no thread changes that tree or `box`
 /// is shared.

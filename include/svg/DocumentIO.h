@@ -25,14 +25,17 @@ enum class DiagnosticSeverity : uint32_t {
 
 /// One message of a load or save, with where in the document it arose.
 struct Diagnostic {
+    /// Whether the request went on after it.
     DiagnosticSeverity severity = DiagnosticSeverity::Error;
     /// 1-based line and column (in characters) in the document, when the XML
     /// parser knew them: for a tag, where the tag begins; for the parser's
     /// own errors, where it stopped. Messages that belong to no one place
     /// (a file that cannot be opened, what the full profile finds after
     /// parsing) have neither.
+    ///@{
     std::optional<int> line;
     std::optional<int> column;
+    ///@}
     /// Exactly the text of the corresponding entry of the message list.
     std::string text;
 };

@@ -54,11 +54,12 @@ enum class PreserveAspectRatio : uint32_t {
 };
 
 /// The library's shared owning pointer to an item of class T: a
-/// std::shared_ptr<T> in every respect, usable wherever one is expected.
+/// `std::shared_ptr<T>` in every respect, usable wherever one is expected.
 template <class T> class ItemInterfacePointer : public std::shared_ptr<T> {
 public:
     using std::shared_ptr<T>::shared_ptr;
     ItemInterfacePointer() noexcept = default;
+    /// Takes over `pointer`, so that a plain shared pointer converts implicitly.
     ItemInterfacePointer(std::shared_ptr<T> pointer) noexcept : std::shared_ptr<T>(std::move(pointer)) {}
 };
 
@@ -67,6 +68,7 @@ class Document;
 /// The base of every item: its type, own transform, id and presentation
 /// attributes, and the hooks through which it writes itself and reports its
 /// extent.
+///
 /// Threads: items have no locks and share nothing but their children
 /// (through shared pointers). Any number of threads may read one tree at once
 /// (const calls: accessors, copies, writing, segmentation, bounding boxes);
@@ -110,7 +112,9 @@ public:
     ///@}
 
 protected:
+    /// An item of the given class, with no transform, no id and no properties set.
     explicit ItemInterface(ItemType type);
+    /// Copies the type, transform, id and properties.
     ItemInterface(const ItemInterface& other);
     /// Assigns everything but the type, which never changes.
     ItemInterface& operator=(const ItemInterface& other);
@@ -125,14 +129,19 @@ private:
 /// A group: an item that owns an ordered list of children.
 class VKSVG_API Node : public ItemInterface {
 public:
+    /// The owning list of children.
     using Children = std::list<std::shared_ptr<ItemInterface>>;
 
+    /// An empty group.
     Node();
+    /// An empty group of the given type; Document uses it.
     explicit Node(ItemType type);
+    ///@{
     /// Deep copy: every child is copied; null children, documents and items of
     /// unknown type are left out.
     Node(const Node& other);
     Node& operator=(const Node& other);
+    ///@}
 
     ///@{
     /// The children in document order. Entries may be null and an item may sit
@@ -143,6 +152,7 @@ public:
 
     /// Adds a child at the end or the front; null is ignored. A Document can
     /// never be a child: for it this member does not exist.
+    ///@{
     template <class T,
               std::enable_if_t<std::is_base_of_v<ItemInterface, T> && !std::is_base_of_v<Document, T>, int> = 0>
     void addChild(const ItemInterfacePointer<T>& child, bool atEnd)
@@ -155,6 +165,7 @@ public:
     {
         insertChild(child, atEnd);
     }
+    ///@}
 
     bool computeEstimatedBoundingVolume(BoundingBox& box, const Wm4::Matrix3<float>& matrix) const override;
     bool beginWriteAsXmlImplPre(vk::xml::XmlSaveContext& context, const SaveOptions& options) const override;
@@ -172,9 +183,13 @@ private:
 /// The root of a drawing: a group with an optional viewBox and style sheet.
 class VKSVG_API Document : public Node {
 public:
+    /// An empty document: no children, no viewBox, no style sheet.
     Document();
+    ///@{
+    /// Deep copy of the children as for Node, then viewBox and style sheet.
     Document(const Document& other);
     Document& operator=(const Document& other);
+    ///@}
 
     ///@{
     /// The minimum corner is the viewBox origin, the maximum corner the origin
@@ -201,11 +216,16 @@ private:
     std::optional<std::string> mStyle;
 };
 
+/// A straight line from a start to an end point.
 class VKSVG_API Line : public ItemInterface {
 public:
+    /// A line from `start` to `end`.
     Line(const Wm4::Vector2<float>& start, const Wm4::Vector2<float>& end);
+    ///@{
+    /// Copies every field.
     Line(const Line& other) = default;
     Line& operator=(const Line& other) = default;
+    ///@}
 
     ///@{
     /// The start point (x1, y1).
@@ -226,12 +246,16 @@ private:
     Wm4::Vector2<float> mEnd;
 };
 
+/// An axis-aligned rectangle (in its own coordinates).
 class VKSVG_API Rect : public ItemInterface {
 public:
     /// The corner radii start at (0, 0).
     Rect(const Wm4::Vector2<float>& position, const Wm4::Vector2<float>& size);
+    ///@{
+    /// Copies every field.
     Rect(const Rect& other) = default;
     Rect& operator=(const Rect& other) = default;
+    ///@}
 
     ///@{
     /// The corner (x, y) that the size extends from.
@@ -258,11 +282,16 @@ private:
     Wm4::Vector2<float> mRadius;
 };
 
+/// A circle given by centre and radius.
 class VKSVG_API Circle : public ItemInterface {
 public:
+    /// A circle around `center`; the radius is stored as given.
     Circle(const Wm4::Vector2<float>& center, float radius);
+    ///@{
+    /// Copies every field.
     Circle(const Circle& other) = default;
     Circle& operator=(const Circle& other) = default;
+    ///@}
 
     ///@{
     /// The centre (cx, cy).
@@ -287,12 +316,18 @@ private:
 /// and implicit repetitions split apart but otherwise unchanged.
 class VKSVG_API Path : public ItemInterface {
 public:
+    /// The kind of a path command.
     using CommandType = PathCommandType;
+    /// One path command with its numbers.
     using Command = PathCommand;
 
+    /// A path without commands.
     Path();
+    ///@{
+    /// Copies every field.
     Path(const Path& other) = default;
     Path& operator=(const Path& other) = default;
+    ///@}
 
     ///@{
     /// The drawing commands in drawing order.
@@ -307,11 +342,16 @@ private:
     std::list<Command> mCommands;
 };
 
+/// A run of text at a position, with its font attributes.
 class VKSVG_API Text : public ItemInterface {
 public:
+    /// Text with the given position and content and no font attribute set.
     Text(const Wm4::Vector2<float>& position, const std::string& content);
+    ///@{
+    /// Copies every field.
     Text(const Text& other) = default;
     Text& operator=(const Text& other) = default;
+    ///@}
 
     ///@{
     /// The anchor point (x, y) of the text.
@@ -376,12 +416,16 @@ private:
     std::optional<float> mFontSize;
 };
 
+/// A referenced raster image placed in a viewport.
 class VKSVG_API Image : public ItemInterface {
 public:
     /// At (0, 0) with size (0, 0), no reference and no aspect-ratio rule.
     Image();
+    ///@{
+    /// Copies every field.
     Image(const Image& other) = default;
     Image& operator=(const Image& other) = default;
+    ///@}
 
     ///@{
     /// The corner (x, y) of the image's viewport.

@@ -8,6 +8,7 @@ namespace vk::svg {
 /// Brings the library up: the XML support, the I/O manager
 /// (vkSvgIOManager::sThis) and the built-in SVG driver. Calls nest; only the
 /// first does the work.
+///
 /// Threads: start-up and shut-down are counted under a lock, but they create
 /// and destroy the manager and the built-in driver that every other I/O call
 /// uses, so no load or save (nor driver registration) may run on another

@@ -16,15 +16,19 @@ enum class LoadProfile : uint32_t {
     Full = 1,
 };
 
+/// How a document is loaded.
+///
 /// Threads: options records are plain values, copied into each request.
 struct LoadOptions {
     /// Skip unsupported elements and attributes with a warning instead of
     /// failing the load. Only the subset profile looks at it: the full
     /// profile always skips what it cannot hold, with a warning.
     bool ignoreUnsupported = false;
+    /// Which reading profile reads the document.
     LoadProfile profile = LoadProfile::Subset;
 };
 
+/// How a document is written.
 struct SaveOptions {
     /// Digits after the decimal point of every number written; negative means 6.
     int32_t precision = -1;

@@ -24,10 +24,12 @@ namespace vk::svg {
 /// it writes them, optionally reordered so that each one starts where the
 /// previous one ended, and closes the path. Outside a contour each primitive
 /// is written at once.
+///
 /// Threads: a builder is one thread's object at a time; different builders
 /// may run at once on any threads.
 class VKSVG_API PathBuilder {
 public:
+    /// The concrete class of a primitive.
     enum class PrimitiveType : uint32_t {
         Line = 0,
         Ellipse = 1,
@@ -43,7 +45,9 @@ public:
         /// Writes the primitive from its start point (which the caller has
         /// already reached) to its end point.
         virtual void writeAsPath(PathBuilder& builder) const = 0;
+        /// Where the primitive starts, taking reversal into account.
         virtual const Wm4::Vector2<float>& getStartPoint() const = 0;
+        /// Where the primitive ends, taking reversal into account.
         virtual const Wm4::Vector2<float>& getEndPoint() const = 0;
 
         /// Which concrete primitive this is.
@@ -55,9 +59,13 @@ public:
         ///@}
 
     protected:
+        /// A primitive of the given class, not reversed.
         explicit PrimitiveInterface(PrimitiveType type) : mType(type) {}
+        ///@{
+        /// Copies the type and the reversal.
         PrimitiveInterface(const PrimitiveInterface&) = default;
         PrimitiveInterface& operator=(const PrimitiveInterface&) = default;
+        ///@}
 
     private:
         PrimitiveType mType;
@@ -67,6 +75,7 @@ public:
     /// A straight line from a to b.
     class VKSVG_API Line : public PrimitiveInterface {
     public:
+        /// A line from `a` to `b`.
         Line(const Wm4::Vector2<float>& a, const Wm4::Vector2<float>& b);
 
         void writeAsPath(PathBuilder& builder) const override;
@@ -93,8 +102,11 @@ public:
     /// at (0, 0) and writes nothing; the builder never makes one.
     class VKSVG_API SegmentList : public PrimitiveInterface {
     public:
+        ///@{
+        /// A polyline through `points`, copied or moved in.
         explicit SegmentList(const std::vector<Wm4::Vector2<float>>& points);
         explicit SegmentList(std::vector<Wm4::Vector2<float>>&& points);
+        ///@}
 
         void writeAsPath(PathBuilder& builder) const override;
         const Wm4::Vector2<float>& getStartPoint() const override;
@@ -115,6 +127,8 @@ public:
     /// The end points are worked out once, so the fields are read-only.
     class VKSVG_API Ellipse : public PrimitiveInterface {
     public:
+        /// The arc of the ellipse around `center` with `radii` from `startAngle` to
+        /// `endAngle` (radians).
         Ellipse(const Wm4::Vector2<float>& center, const Wm4::Vector2<float>& radii, float startAngle, float endAngle);
 
         void writeAsPath(PathBuilder& builder) const override;
@@ -142,15 +156,19 @@ public:
         Wm4::Vector2<float> mEnd;
     };
 
+    /// The owned primitives of one contour, in order.
     using Contour = std::list<std::unique_ptr<PrimitiveInterface>>;
 
+    /// An empty builder: no commands, no contour, no current point.
     PathBuilder();
     ~PathBuilder();
     /// The builder owns its primitives: it can be moved but not copied.
+    ///@{
     PathBuilder(const PathBuilder&) = delete;
     PathBuilder& operator=(const PathBuilder&) = delete;
     PathBuilder(PathBuilder&&) noexcept;
     PathBuilder& operator=(PathBuilder&&) noexcept;
+    ///@}
 
     /// Contour control.
 
@@ -167,23 +185,28 @@ public:
     void clearBuilder();
     /// No commands written and no primitive waiting in a contour.
     bool isEmpty() const;
+    /// The commands written so far.
     const std::list<PathCommand>& getContent() const { return mContent; }
     /// A new Path holding the written commands, or null when the builder is
     /// empty. Primitives still waiting in an open contour are not included.
     ItemInterfacePointer<Path> createPathItem(bool clear);
 
+    /// Whether a contour is open, between startContour and endContour.
     bool isContourOpen() const { return mContourOpen; }
     /// The primitives waiting in the open contour.
     const Contour& getContour() const { return mContour; }
     /// Between startPrimitive and endPrimitive.
     bool isPrimitiveInProgress() const { return mPrimitiveInProgress; }
+    /// Whether a command has been written since the builder was last cleared.
     bool hasCurrentPoint() const { return mHasCurrentPoint; }
     /// Where the pen rests; meaningful only when hasCurrentPoint().
     const Wm4::Vector2<float>& getCurrentPoint() const { return mCurrentPoint; }
 
     /// Appending: into the open contour, or written at once when none is open.
 
+    /// A line from `a` to `b`.
     void appendLine(const Wm4::Vector2<float>& a, const Wm4::Vector2<float>& b);
+    /// An axis-aligned elliptical arc, or the whole ellipse; see Ellipse.
     void appendEllipse(const Wm4::Vector2<float>& center, const Wm4::Vector2<float>& radii, float startAngle,
                        float endAngle);
     /// The closed polyline origin, +(w, 0), +(w, h), +(0, h), origin.
@@ -191,8 +214,10 @@ public:
     /// Polylines of fewer than two points are ignored. The first copies the
     /// points, the second takes the vector over (and leaves it alone when
     /// ignoring it).
+    ///@{
     void appendSegmentListConst(const std::vector<Wm4::Vector2<float>>& points);
     void appendSegmentListMove(std::vector<Wm4::Vector2<float>>& points);
+    ///@}
 
     /// Writing. Each writer appends one command (or none) and makes its end
     /// point the current point.
@@ -200,11 +225,15 @@ public:
     /// Reaches `start`: nothing when the current point is exactly there, a
     /// line when continuing a contour, a move otherwise.
     void startPrimitive(bool continuation, const Wm4::Vector2<float>& start);
+    /// Makes `end` the current point after a primitive has written itself.
     void endPrimitive(const Wm4::Vector2<float>& end);
+    /// A move to `point`, absolute or relative, whichever is shorter.
     void writeMove(const Wm4::Vector2<float>& point);
     /// Becomes a vertical or horizontal line when a coordinate repeats exactly.
     void writeLineTo(const Wm4::Vector2<float>& point);
+    /// A horizontal line to `x`, absolute or relative, whichever is shorter.
     void writeHLineTo(float x);
+    /// A vertical line to `y`, absolute or relative, whichever is shorter.
     void writeVLineTo(float y);
     /// Always absolute: arcs are rare enough that their size does not matter.
     void writeEllipticalArc(const Wm4::Vector2<float>& radii, float rotation, bool largeArc, bool sweep,

@@ -31,9 +31,12 @@ enum class PathCommandType : uint8_t {
 /// One command of a path as written in its data, after implicit repetitions
 /// have been split apart. Relative commands stay relative. Arc flags are
 /// stored as 1.0 (set) and 0.0 (clear).
+///
 /// Threads: a plain value with no shared state.
 struct VKSVG_API PathCommand {
+    /// Which command this is.
     PathCommandType type;
+    /// Its numbers, in the order PathCommandType lists them.
     std::vector<float> values;
 
     /// Takes the values over and leaves `values` empty, although it is a
@@ -45,10 +48,13 @@ struct VKSVG_API PathCommand {
     /// Copies; lets const vectors be passed at all.
     PathCommand(PathCommandType type, const std::vector<float>& values);
 
+    ///@{
+    /// Copies and moves both fields.
     PathCommand(const PathCommand&) = default;
     PathCommand(PathCommand&&) noexcept = default;
     PathCommand& operator=(const PathCommand&) = default;
     PathCommand& operator=(PathCommand&&) noexcept = default;
+    ///@}
     ~PathCommand() = default;
 };
 

@@ -28,18 +28,23 @@ namespace vk::svg {
 /// scanner reaches throws utfcpp's exception (utf8::exception) out of visit().
 /// That is the only exception; syntax errors are reported through
 /// getErrorString().
+///
 /// Threads: a scanner is one thread's object at a time; different scanners,
 /// and ConvertPathStringToCommands with different outputs, may run at once on
 /// any threads.
 class VKSVG_API PathVisitorStrToTokens {
 public:
+    /// Receives each command run: the letter as written and its numbers.
     using Callback = std::function<void(char, std::vector<float>&&)>;
+    /// A position in the scanner's copy of the text.
     using Cursor = std::string::const_iterator;
 
-    /// Results of the scanning steps.
+    /// @name Results of the scanning steps
+    ///@{
     static constexpr int kAbsent = 0;  ///< not there; nothing consumed
     static constexpr int kFailed = 1;  ///< began but malformed; the scan fails
     static constexpr int kMatched = 2; ///< matched and consumed
+    ///@}
 
     /// Keeps its own copy of the text; cursors point into that copy, which is
     /// why a scanner can be neither copied nor moved.
@@ -60,26 +65,36 @@ public:
     const std::string& getErrorString() const { return mError; }
 
     /// The scanner's own copy of the text, for driving the steps below.
+    ///@{
     Cursor textBegin() const { return mBegin; }
     Cursor textEnd() const { return mEnd; }
+    ///@}
 
     /// The scanning steps, each advancing `it` over what it consumed and
     /// returning kAbsent, kFailed or kMatched. A failing step leaves `it`
     /// where the failure was found, which is the offset its message reports.
+    ///@{
     int consumeSvgPath(Cursor& it);
     int consumeMoveToDrawToCommandGroup(Cursor& it, bool first);
     int consumeDrawToCommand(Cursor& it);
+    ///@}
     /// A letter out of `letters`, then groups of `groupSize` numbers with
     /// only white space between the groups.
     int consumeCommandWithFloatSequence(Cursor& it, std::string_view letters, std::size_t groupSize);
+    /// Arc commands: groups of radii, rotation, two flags and an end point.
     int consumeEllipticalArcSequence(Cursor& it);
+    /// A close-path letter, which takes no numbers.
     int consumeClosePath(Cursor& it);
     /// `count` numbers with separators between them, appended to `values`;
     /// on any result but kMatched `values` is cut back to its length on entry.
     int consumeCoordinateSequence(Cursor& it, std::vector<float>& values, std::size_t count);
+    /// One number into `value`.
     int consumeCoordinate(Cursor& it, float& value);
+    /// An arc flag, "0" or "1", into `value`.
     int consumeFlag(Cursor& it, bool& value);
+    /// White space with at most one comma in it.
     int consumeSeparator(Cursor& it);
+    /// Any white space; never fails.
     void consumeAnyWhiteSpace(Cursor& it);
 
 private:
@@ -116,6 +131,7 @@ private:
 /// appended to a list.
 class VKSVG_API PathVisitorStrToCommands : public PathVisitorStrToTokens {
 public:
+    /// A scanner over `pathData` that appends to `out`, which must outlive it.
     PathVisitorStrToCommands(const std::string& pathData, std::list<PathCommand>& out);
 
     /// Appends the commands of one run to the list: one per group of numbers,

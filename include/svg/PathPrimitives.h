@@ -19,17 +19,20 @@ namespace vk::svg {
 /// An absolute piece of geometry taken from a path: a line, an elliptical arc
 /// in centre form or a cubic Bezier curve. Consumers switch on `type` and
 /// downcast.
+///
 /// Threads: primitives are plain values, and a PathVisitorCommandsToPrimitives
 /// is one thread's object at a time; different visitors may run at once on
 /// any threads, also over the same (unchanging) command list.
 class VKSVG_API PathPrimitive {
 public:
+    /// The concrete class of a primitive, as stored in `type`.
     enum Type : uint32_t {
         Line = 0,          ///< PathLine
         EllipticalArc = 1, ///< PathEllipticalArc
         BezierCubic = 2,   ///< PathBezierCubic
     };
 
+    /// A Type value.
     uint32_t type;
 
     virtual ~PathPrimitive();
@@ -39,16 +42,22 @@ public:
     virtual void computeBoundingBox(BoundingBox& box, const Wm4::Matrix3<float>& transform) const = 0;
 
 protected:
+    /// A primitive of the given Type.
     explicit PathPrimitive(uint32_t primitiveType) : type(primitiveType) {}
+    ///@{
+    /// Copies the type.
     PathPrimitive(const PathPrimitive&) = default;
     PathPrimitive& operator=(const PathPrimitive&) = default;
+    ///@}
 };
 
+/// A straight line between two absolute points.
 class VKSVG_API PathLine : public PathPrimitive {
 public:
-    Wm4::Vector2<float> start;
-    Wm4::Vector2<float> end;
+    Wm4::Vector2<float> start; ///< absolute start point
+    Wm4::Vector2<float> end;   ///< absolute end point
 
+    /// A line from `lineStart` to `lineEnd`.
     PathLine(const Wm4::Vector2<float>& lineStart, const Wm4::Vector2<float>& lineEnd);
 
     /// Overwrites `box` with the box of the two mapped end points.
@@ -61,12 +70,18 @@ public:
 /// chord's midpoint and the ellipse does not reach the end points.
 class VKSVG_API PathEllipticalArc : public PathPrimitive {
 public:
+    /// The centre of the ellipse.
     Wm4::Vector2<float> center;
+    /// The absolute start point.
     Wm4::Vector2<float> start;
+    /// The absolute end point.
     Wm4::Vector2<float> end;
+    /// The radii along the rotated axes, made positive.
     Wm4::Vector2<float> radii;
     float rotation; ///< x-axis rotation in degrees, as given
+    /// The large-arc flag.
     bool largeArc;
+    /// The sweep flag.
     bool sweep;
     float startAngle; ///< radians
     float deltaAngle; ///< radians, positive when `sweep` is set
@@ -90,11 +105,12 @@ public:
 /// A cubic Bezier curve: start, first control, second control, end.
 class VKSVG_API PathBezierCubic : public PathPrimitive {
 public:
-    Wm4::BezierCurve2<float> curve;
+    Wm4::BezierCurve2<float> curve; ///< the four control points, owned
 
     /// Takes over `controlPoints`, an array of four points allocated with
     /// new[].
     explicit PathBezierCubic(Wm4::Vector2<float>* controlPoints);
+    /// A curve from `p0` to `p3` with the control points `p1` and `p2`.
     PathBezierCubic(const Wm4::Vector2<float>& p0, const Wm4::Vector2<float>& p1, const Wm4::Vector2<float>& p2,
                     const Wm4::Vector2<float>& p3);
     /// The curve owns its points; copies would free them twice.
@@ -116,6 +132,7 @@ public:
     /// when it returns.
     using Callback = std::function<void(std::unique_ptr<PathPrimitive>&, bool)>;
 
+    /// A visitor over `commands`, which must outlive it.
     PathVisitorCommandsToPrimitives(const std::list<PathCommand>& commands, const Callback& callback);
 
     /// Walks the commands once, in order, from the point (0, 0). Commands with

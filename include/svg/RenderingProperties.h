@@ -19,12 +19,14 @@ namespace vk::svg {
 
 struct SaveOptions;
 
+/// The stroke-linecap keywords.
 enum class LineCap : uint32_t {
     Butt = 0,
     Round = 1,
     Square = 2,
 };
 
+/// The stroke-linejoin keywords.
 enum class LineJoin : uint32_t {
     Arcs = 0,
     Bevel = 1,
@@ -52,10 +54,12 @@ enum class VectorEffect : uint32_t {
 /// means the attribute was absent, and cascadeParent fills it from the parent.
 /// Paints stay text until a colour is asked for, so the source spelling
 /// survives a load and save.
+///
 /// Threads: a plain value; one record may be read from several threads at
 /// once, but not read while another thread changes it.
 class VKSVG_API RenderingProperties {
 public:
+    /// Every field unset.
     RenderingProperties() = default;
 
     ///@{
@@ -113,9 +117,11 @@ public:
     const std::optional<uint32_t>& getVectorEffect() const { return mVectorEffect; }
     std::optional<uint32_t>& editVectorEffect() { return mVectorEffect; }
     ///@}
+    // The fields below are set only by the full reading profile or by hosts;
+    // the writer writes them only when set.
     ///@{
-    /// The fields below are set only by the full reading profile or by hosts;
-    /// the writer writes them only when set.
+    /// The fill-rule; unset means non-zero. Set only by the full reading
+    /// profile or by hosts, and written only when set, like the three below.
     const std::optional<FillRule>& getFillRule() const { return mFillRule; }
     std::optional<FillRule>& editFillRule() { return mFillRule; }
     ///@}
@@ -154,13 +160,17 @@ public:
     static Wm4::ColorRGBA ParseColor(const std::optional<std::string>& paint, float opacity);
     /// Fill and stroke colours with fill-/stroke-opacity and opacity applied.
     /// An unset stroke yields black, so test hasStroke first.
+    ///@{
     Wm4::ColorRGBA parseFillColor() const;
     Wm4::ColorRGBA parseStrokeColor() const;
+    ///@}
 
     /// Writes the set fields as presentation attributes, stopping at the first
     /// failure.
     bool writeAttributes(vk::xml::XmlSaveContext& context, const SaveOptions& options) const;
 
+    ///@{
+    /// Field by field: set or unset alike, and set values exactly equal.
     friend bool operator==(const RenderingProperties& a, const RenderingProperties& b)
     {
         return a.mOpacity == b.mOpacity && a.mStrokeWidth == b.mStrokeWidth && a.mStrokeOpacity == b.mStrokeOpacity &&
@@ -171,6 +181,7 @@ public:
                a.mStrokeMiterlimit == b.mStrokeMiterlimit && a.mStrokeDashoffset == b.mStrokeDashoffset;
     }
     friend bool operator!=(const RenderingProperties& a, const RenderingProperties& b) { return !(a == b); }
+    ///@}
 
 private:
     float effectiveFillOpacity() const;

@@ -62,10 +62,12 @@ struct VKSVG_API SegmentationOptions {
 
 /// A shape whose fill could not be made.
 struct VKSVG_API SegmentationFailure {
+    /// The shape's id, when it has one.
     std::optional<std::string> id;
     /// The shape's position among all shapes of the walk, in document order,
     /// from 0.
     std::size_t index = 0;
+    /// Why the fill could not be made.
     std::string reason;
 };
 
@@ -82,6 +84,8 @@ struct VKSVG_API SegmentationJob {
     float step;                  ///< a quarter of the piece's parameter width
     float error;                 ///< which piece is split next: the largest score
 
+    /// A piece around `midpoint` whose control points are `controlPoints`, with
+    /// its halves' storage taken from `ws`.
     SegmentationJob(BezierSegmentationWorkspace& ws, Wm4::Vector2<float>* controlPoints, float midpoint,
                     float quarterWidth) noexcept;
 
@@ -165,10 +169,14 @@ VKSVG_API void SegmentEllipticalArc(const Wm4::Vector2<float>& center, const Wm4
 /// space of the transform it was made with.
 class VKSVG_API SegmentedPrimitive {
 public:
+    /// An empty primitive with default properties.
     SegmentedPrimitive() = default;
     ~SegmentedPrimitive() = default;
+    ///@{
+    /// Moves every array and the properties.
     SegmentedPrimitive(SegmentedPrimitive&&) noexcept = default;
     SegmentedPrimitive& operator=(SegmentedPrimitive&&) noexcept = default;
+    ///@}
     /// Meshes are large; copying one is never what a caller meant.
     SegmentedPrimitive(const SegmentedPrimitive&) = delete;
     SegmentedPrimitive& operator=(const SegmentedPrimitive&) = delete;
@@ -215,9 +223,9 @@ public:
     /// its start, as by a close-path) or open (capped at both ends when
     /// stroked). Filled in by the segmenters that take SegmentationOptions.
     struct Subpath {
-        uint32_t firstIndex = 0;
-        uint32_t indexCount = 0;
-        bool closed = false;
+        uint32_t firstIndex = 0; ///< first entry of getIndices()
+        uint32_t indexCount = 0; ///< number of entries, even
+        bool closed = false;     ///< joined at its start rather than capped
     };
     ///@{
     /// The runs of the outline, in order.
@@ -249,9 +257,11 @@ private:
     std::vector<uint32_t> strokeIndices;
 };
 
-/// The shape segmenters. A null `transform` is the identity, null
+/// @name Shape segmenters
+/// A null `transform` is the identity, null
 /// `properties` mean default properties and no fill; `error` may be null and
 /// reports a fill that could not be triangulated.
+///@{
 
 /// The two end points and the pair (0, 1); a line is never filled.
 VKSVG_API std::shared_ptr<SegmentedPrimitive> SegmentLine(const Line& line, const Wm4::Matrix3<float>* transform,
@@ -272,7 +282,9 @@ VKSVG_API std::shared_ptr<SegmentedPrimitive> SegmentPath(const Path& path, unsi
                                                           const RenderingProperties* properties,
                                                           SegmentationUtils::BezierSegmentationWorkspace* workspace,
                                                           bool* error);
+///@}
 
+///@{
 /// The same shapes under `options`. With a tolerance the outline is built in
 /// output space; with tessellateFill the fill is an indexed mesh with one
 /// vertex per position. Subpaths are always filled in. A fill that cannot
@@ -292,6 +304,7 @@ VKSVG_API std::shared_ptr<SegmentedPrimitive> SegmentPath(const Path& path, cons
                                                           const RenderingProperties* properties,
                                                           SegmentationUtils::BezierSegmentationWorkspace* workspace,
                                                           std::string* failure);
+///@}
 
 /// A depth-first walk over an item tree that keeps, for the item being
 /// visited, the transform and the cascaded rendering properties in force:
@@ -309,6 +322,8 @@ protected:
     VisitorBase(const VisitorBase&) = delete;
     VisitorBase& operator=(const VisitorBase&) = delete;
 
+    /// Walks the tree from `root`, starting from `matrix` and `properties` as
+    /// what is in force above it.
     void walk(const ItemInterface& root, const Wm4::Matrix3<float>& matrix,
               const RenderingProperties& properties = RenderingProperties())
     {
@@ -372,8 +387,11 @@ public:
     SegmenterVisitor(const Node& root, const SegmentationOptions& options);
 
     /// The primitives in document order.
+    ///@{
+    /// The primitives in document order.
     const std::list<std::shared_ptr<SegmentedPrimitive>>& getSegmentedPrimitives() const { return mPrimitives; }
     std::list<std::shared_ptr<SegmentedPrimitive>>& getSegmentedPrimitives() { return mPrimitives; }
+    ///@}
     /// How many primitives the walk made.
     std::size_t getPrimitiveCount() const { return mPrimitiveCount; }
 

@@ -27,18 +27,20 @@ enum class WindingRule : uint32_t {
 /// distinct position, shared between triangles, and index triples that all
 /// run the same way round (positive signed area in x-right, y-up terms).
 struct VKSVG_API FillMesh {
+    /// The distinct positions.
     std::vector<Wm4::Vector2<float>> vertices;
+    /// Triples of indices into `vertices`, one per triangle.
     std::vector<uint32_t> indices;
 };
 
-/// Threads: the tessellators keep no state between calls; any number of
-/// calls may run at once on different threads, each with its own mesh.
-///
 /// Fills closed contours, each a run of points whose last point joins its
 /// first. Intersections, overlaps, touching contours, repeated and collinear
 /// points and zero-length edges are all resolved first; any finite input is
 /// filled. Only a NaN or infinite coordinate gives false, with the reason in
 /// `*error` when it is not null. `mesh` is replaced.
+///
+/// Threads: the tessellators keep no state between calls; any number of
+/// calls may run at once on different threads, each with its own mesh.
 VKSVG_API bool TessellateFill(const std::vector<std::vector<Wm4::Vector2<float>>>& contours, WindingRule rule,
                               FillMesh& mesh, std::string* error = nullptr);
 
@@ -83,7 +85,9 @@ enum class StrokeMode : uint32_t {
 struct VKSVG_API StrokeStyle {
     /// Stroke width; zero, negative or non-finite strokes nothing.
     float width = 1.0f;
+    /// How segments meet.
     StrokeJoin join = StrokeJoin::Miter;
+    /// How open subpaths and dashes end.
     StrokeCap cap = StrokeCap::Butt;
     /// Longest miter, in multiples of the width; below 1 or NaN is invalid
     /// in SVG, and the default 4 is used.
@@ -97,13 +101,16 @@ struct VKSVG_API StrokeStyle {
     /// Largest distance of round joins and caps from the true circle, in
     /// output units. Not positive means the coarsest circles.
     float tolerance = 0.25f;
+    /// Whether pieces may overlap.
     StrokeMode mode = StrokeMode::Fast;
 };
 
 /// One subpath of a stroke. A closed one is joined at its first point
 /// instead of capped; a repeated last point equal to the first is allowed.
 struct VKSVG_API StrokePolyline {
+    /// The points in drawing order.
     std::vector<Wm4::Vector2<float>> points;
+    /// Joined at its first point rather than capped at both ends.
     bool closed = false;
 };
 

@@ -31,6 +31,7 @@ enum class TriangulationFillRule : std::int32_t {
 ///
 /// Every edge index must be less than points.size(); anything else is the
 /// caller's error (the lists are then left untouched, but do not rely on it).
+///
 /// Threads: CleanupContour and TriangulatePoly keep no state between calls;
 /// calls on different vectors may run at once on any threads.
 VKSVG_API void CleanupContour(std::vector<Wm4::Vector2<float>>& points, std::vector<unsigned int>& edges);

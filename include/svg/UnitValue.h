@@ -23,13 +23,16 @@ enum class Unit : uint32_t {
 };
 
 /// A number together with the unit it was written in.
+///
 /// Threads: a plain value; parseVal and UnitToString keep no state and may
 /// run at once on any threads with different outputs.
 struct VKSVG_API UnitValue {
-    float value = 0.0f;
-    Unit unit = Unit::None;
+    float value = 0.0f;     ///< the number as written
+    Unit unit = Unit::None; ///< the unit it was written in
 
+    /// 0 in user units.
     UnitValue() = default;
+    /// `value` in `unit`.
     UnitValue(float value, Unit unit);
 
     /// Parses a length such as "12.5mm", "50%" or "3". Trailing white space is
@@ -37,9 +40,11 @@ struct VKSVG_API UnitValue {
     /// On failure `result` is left untouched and no message is produced.
     static bool parseVal(const std::string& text, UnitValue& result);
 
+    ///@{
     /// Exact comparison of both fields (so NaN values never compare equal).
     friend bool operator==(const UnitValue& a, const UnitValue& b) { return a.value == b.value && a.unit == b.unit; }
     friend bool operator!=(const UnitValue& a, const UnitValue& b) { return !(a == b); }
+    ///@}
 };
 
 /// Writes the suffix of `unit` ("%", "em", "px", ...; nothing for None and

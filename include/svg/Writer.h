@@ -32,6 +32,7 @@ enum WriteErrorCode : int32_t {
 /// point removed, and "-0" written as "0". Never uses the process locale.
 /// With options.shortestNumbers (and no precision) the fixed decimals give
 /// way to the fewest digits that read back to the same float.
+///
 /// Threads: the number format and the attribute writers keep no state of
 /// their own; calls may run at once on any threads as long as each save
 /// context is used by one thread at a time. Failures are logged through the
@@ -43,17 +44,23 @@ VKSVG_API std::string floatToSvgNumber(float value, const SaveOptions& options);
 /// error under "svg". libxml2 escapes the values.
 namespace Helpers {
 
+///@{
+/// The text as it is.
 VKSVG_API bool writeAttributeString(vk::xml::XmlSaveContext& context, const SaveOptions& options, const char* name,
                                     const char* value);
 VKSVG_API bool writeAttributeString(vk::xml::XmlSaveContext& context, const SaveOptions& options, const char* name,
                                     const std::string& value);
+///@}
 /// The two integer writers are crossed on purpose: the unsigned one prints
 /// through the signed 64-bit conversion (2^63 and above print negative), the
 /// signed one through the unsigned conversion (-1 prints 18446744073709551615).
+///@{
 VKSVG_API bool writeAttributeUnsignedInt(vk::xml::XmlSaveContext& context, const SaveOptions& options, const char* name,
                                          unsigned long value);
 VKSVG_API bool writeAttributeSignedInt(vk::xml::XmlSaveContext& context, const SaveOptions& options, const char* name,
                                        long value);
+///@}
+/// The number in the format of floatToSvgNumber.
 VKSVG_API bool writeAttributeFloatValue(vk::xml::XmlSaveContext& context, const SaveOptions& options, const char* name,
                                         float value);
 /// The number followed by the unit's suffix.

@@ -25,17 +25,19 @@ enum class DriverMatch : int {
 
 /// The base of every load/save driver: it keeps the warnings and errors of the
 /// driver's last request, in the order they were produced.
+///
 /// Threads: the message list is the driver's own unlocked state, rewritten by
 /// every request, so one driver object serves one request at a time. Use a
 /// driver object per thread, or LoadSvgDocument and SaveSvgDocument
 /// (svg/DocumentIO.h), to work on several threads.
 template <class LoadKey, class SaveKey, class LoadOptionsT, class SaveOptionsT> class VKSVG_API vkCoreDriver {
 public:
-    using LoadKeyType = LoadKey;
-    using SaveKeyType = SaveKey;
-    using LoadOptionsType = LoadOptionsT;
-    using SaveOptionsType = SaveOptionsT;
+    using LoadKeyType = LoadKey;          ///< what a load is matched by
+    using SaveKeyType = SaveKey;          ///< what a save is matched by
+    using LoadOptionsType = LoadOptionsT; ///< the options of a load
+    using SaveOptionsType = SaveOptionsT; ///< the options of a save
 
+    /// A driver with no messages.
     vkCoreDriver() = default;
     vkCoreDriver(const vkCoreDriver&) = delete;
     vkCoreDriver& operator=(const vkCoreDriver&) = delete;
@@ -44,6 +46,7 @@ public:
     ///@{
     /// The warnings and errors of the driver's last request, in order.
     const std::list<std::string>& getMessages() const { return mMessages; }
+    /// Mutable access to getMessages().
     std::list<std::string>& editMessages() { return mMessages; }
     ///@}
 
@@ -60,16 +63,23 @@ public:
     vkCoreSvgIODriver();
     ~vkCoreSvgIODriver() override;
 
-    /// A DriverMatch value.
+    /// How well the driver fits a load key, as a DriverMatch value.
     virtual int canLoad(const std::pair<vk::vkIoDevice*, std::string>& key, const LoadOptions& options) const = 0;
+    /// How well the driver fits a save key, as a DriverMatch value.
     virtual int canSave(const std::string& key, const SaveOptions& options) const = 0;
 
+    /// Loads the file `fileName` into `root`; `progress` may be null. The
+    /// messages of the request are left in getMessages().
     virtual bool loadSvg(ItemInterfacePointer<ItemInterface>& root, const std::string& fileName,
                          vk::vkProgressNotifierInterface* progress, const LoadOptions& options) = 0;
+    /// Loads from `device`, open for reading; `name` is the load key's name.
     virtual bool loadSvg(ItemInterfacePointer<ItemInterface>& root, vk::vkIoDevice& device, const std::string& name,
                          vk::vkProgressNotifierInterface* progress, const LoadOptions& options) = 0;
+    /// Writes `root` to the file `fileName`; `progress` may be null. The
+    /// messages of the request are left in getMessages().
     virtual bool saveSvg(const ItemInterface& root, const std::string& fileName,
                          vk::vkProgressNotifierInterface* progress, const SaveOptions& options) = 0;
+    /// Writes `root` to `device`, open for writing; `name` is the save key.
     virtual bool saveSvg(const ItemInterface& root, vk::vkIoDevice& device, const std::string& name,
                          vk::vkProgressNotifierInterface* progress, const SaveOptions& options) = 0;
 };

@@ -4,6 +4,20 @@
 // Everything a host needs: the public API of libvkSvg and the platform
 // types that it uses.
 
+/// @namespace vk
+/// The platform layer (devices, log, string helpers) and the contour cleanup
+/// and triangulation that segmentation fills shapes with.
+
+/// @namespace vk::svg
+/// libvkSvg: the item tree, loading and saving, path data, segmentation and
+/// tessellation.
+
+/// @namespace vk::svg::SegmentationUtils
+/// The curve and arc subdividers that the shape segmenters are built from.
+
+/// @namespace vkSvg
+/// Queries about the library build itself.
+
 #include <svg/Export.h>
 
 #include <svg/BoundingBox.h>

@@ -22,6 +22,7 @@ namespace vk::svg {
 /// request's warnings and errors, at most 1024 of them (the oldest go first)
 /// and each cut to 1024 characters. Progress is neither reported nor
 /// cancellable.
+///
 /// Threads: one request at a time per driver object (its message list is
 /// unlocked). Separate vkSvgDriver objects share nothing and may serve
 /// requests at once on different threads.

@@ -20,6 +20,7 @@ namespace vk::svg {
 /// The single entry point for loading and saving: it asks the registered
 /// drivers which fits a request best and hands the request to that driver.
 /// One instance exists between initializeVkSvg and terminateVkSvg.
+///
 /// Threads: the manager has no lock. Its loads and saves run the registered
 /// driver, whose message list every request rewrites, so only one load or
 /// save through the manager may run at a time in the whole process, and
@@ -35,22 +36,27 @@ public:
 
     /// The instance; null outside the library's initialised lifetime.
     static vkSvgIOManager* sThis;
-    /// Neither checks for a missing instance.
+    ///@{
+    /// The instance, read-only or mutable. Neither checks for a missing instance.
     static const vkSvgIOManager& get() { return *sThis; }
     static vkSvgIOManager& edit() { return *sThis; }
+    ///@}
 
     /// Drivers are not owned: whoever registers one unregisters and deletes
     /// it. `append` false puts the driver before all others, so that it wins
     /// ties. Registering a driver twice or unregistering an unknown one
     /// changes nothing and is logged.
+    ///@{
     void registerDriver(vkCoreSvgIODriver* driver, bool append);
     void unregisterDriver(vkCoreSvgIODriver* driver);
+    ///@}
     /// The registered drivers, in the order they are asked.
     const std::vector<vkCoreSvgIODriver*>& getDrivers() const { return mDrivers; }
 
     /// The key of a file request is the file's extension; of a device request
     /// the caller's `name` as given. progress, options and messages may be
     /// null.
+    ///
     /// Messages: when a driver was chosen, *messages is cleared and then
     /// receives a copy of the driver's messages for this request, whether it
     /// succeeded or not, so what the list held before is gone. When no
@@ -59,6 +65,7 @@ public:
     /// "No driver available to save '<key>'". Key matching is the drivers'
     /// own: the built-in driver takes exactly "svg", so "icon.SVG" or a name
     /// without extension finds none; LoadSvgDocument reads any name.
+    ///@{
     bool loadSvg(ItemInterfacePointer<ItemInterface>& root, const std::string& fileName,
                  vk::vkProgressNotifierInterface* progress, const LoadOptions* options,
                  std::list<std::string>* messages) const;
@@ -70,6 +77,7 @@ public:
     bool saveSvg(const ItemInterface& root, vk::vkIoDevice& device, const std::string& name,
                  vk::vkProgressNotifierInterface* progress, const SaveOptions* options,
                  std::list<std::string>* messages) const;
+    ///@}
 
 private:
     vkCoreSvgIODriver* findLoadDriver(const std::string& key) const;
