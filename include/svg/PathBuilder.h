@@ -170,7 +170,8 @@ public:
     PathBuilder& operator=(PathBuilder&&) noexcept;
     ///@}
 
-    /// Contour control.
+    /// @name Contour control
+    ///@{
 
     /// Opens a contour, first ending (with reordering) one that is open.
     void startContour();
@@ -201,8 +202,11 @@ public:
     bool hasCurrentPoint() const { return mHasCurrentPoint; }
     /// Where the pen rests; meaningful only when hasCurrentPoint().
     const Wm4::Vector2<float>& getCurrentPoint() const { return mCurrentPoint; }
+    ///@}
 
-    /// Appending: into the open contour, or written at once when none is open.
+    /// @name Appending
+    /// Into the open contour, or written at once when none is open.
+    ///@{
 
     /// A line from `a` to `b`.
     void appendLine(const Wm4::Vector2<float>& a, const Wm4::Vector2<float>& b);
@@ -214,13 +218,15 @@ public:
     /// Polylines of fewer than two points are ignored. The first copies the
     /// points, the second takes the vector over (and leaves it alone when
     /// ignoring it).
-    ///@{
     void appendSegmentListConst(const std::vector<Wm4::Vector2<float>>& points);
+    /// As appendSegmentListConst, but taking the vector over.
     void appendSegmentListMove(std::vector<Wm4::Vector2<float>>& points);
     ///@}
 
-    /// Writing. Each writer appends one command (or none) and makes its end
+    /// @name Writing
+    /// Each writer appends one command (or none) and makes its end
     /// point the current point.
+    ///@{
 
     /// Reaches `start`: nothing when the current point is exactly there, a
     /// line when continuing a contour, a move otherwise.
@@ -238,6 +244,7 @@ public:
     /// Always absolute: arcs are rare enough that their size does not matter.
     void writeEllipticalArc(const Wm4::Vector2<float>& radii, float rotation, bool largeArc, bool sweep,
                             const Wm4::Vector2<float>& end);
+    ///@}
 
     /// Greedy chaining: the first primitive stays first; then, again and
     /// again, the waiting primitive with an end nearest to the end of the
