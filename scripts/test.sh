@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds everything with AddressSanitizer and UBSan
-# (warnings are errors), runs every test, checks the reentrant path under
-# ThreadSanitizer, replays the fuzzers' seed corpora (a clang build), then
-# installs the library, moves the installed tree, and builds and runs the
-# example host against the moved package.
+# (warnings are errors), runs every test, builds the API reference, checks
+# the reentrant path under ThreadSanitizer, replays the fuzzers' seed corpora
+# (a clang build), then installs the library, moves the installed tree, and
+# builds and runs the example host against the moved package.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/deps.sh
@@ -21,6 +21,9 @@ cmake --build "$build" -j"$jobs"
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 ctest --test-dir "$build" --output-on-failure -j"$jobs"
+
+# The API reference: any undocumented public name fails it.
+cmake --build "$build" --target docs
 
 # Loads, segmentation and saves on several threads at once, under
 # ThreadSanitizer (a build of its own in build-tsan).
