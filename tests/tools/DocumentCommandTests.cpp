@@ -69,13 +69,13 @@ TEST_F(DocumentCommands, ResultsAndMessages)
         {{"info", odd, "--subset"},
          1,
          "",
-         "vksvg: " + odd + ": Unsupported attribute attribute \"width\" with value \"1\"\n" + hint},
+         "vksvg: " + odd + ":1:1: Unsupported attribute attribute \"width\" with value \"1\"\n" + hint},
         {{"info", "--lenient", odd, "--subset"},
          0,
          "svg\n  text x=0 y=0 content=\"t\"\nItems: svg 1, text 1\n",
-         "vksvg: " + odd + ": Ignore unsupported attribute \"width\" with value \"1\"\n" + "vksvg: " + odd +
-             ": Ignore unsupported tag in svg : \"foo\"\n" + "vksvg: " + odd +
-             ": Ignore unsupported attribute \"font-style\" with value \"oblique\"\n"},
+         "vksvg: " + odd + ":1:1: Ignore unsupported attribute \"width\" with value \"1\"\n" + "vksvg: " + odd +
+             ":1:51: Ignore unsupported tag in svg : \"foo\"\n" + "vksvg: " + odd +
+             ":1:57: Ignore unsupported attribute \"font-style\" with value \"oblique\"\n"},
         {{"info", Path("missing.svg"), "--subset"},
          1,
          "",
@@ -91,11 +91,11 @@ TEST_F(DocumentCommands, ResultsAndMessages)
         {{"convert", ellipse, "-", "--subset"},
          1,
          "",
-         "vksvg: " + ellipse + ": Found unsupported tag in svg : \"ellipse\"\n" + hint},
+         "vksvg: " + ellipse + ":1:41: Found unsupported tag in svg : \"ellipse\"\n" + hint},
         {{"convert", ellipse, "-", "--lenient", "--no-header", "--subset"},
          0,
          declaration + "<svg xmlns=\"http://www.w3.org/2000/svg\"><rect width=\"0\" height=\"0\"/></svg>\n",
-         "vksvg: " + ellipse + ": Ignore unsupported tag in svg : \"ellipse\"\n"},
+         "vksvg: " + ellipse + ":1:41: Ignore unsupported tag in svg : \"ellipse\"\n"},
         {{"convert", good, Path("out.png"), "--subset"},
          2,
          "",
@@ -167,7 +167,7 @@ TEST_F(DocumentCommands, LoadWithTheFullProfileUnlessSubsetIsGiven)
         subsetArgs.push_back("--subset");
         const CliRun subset = RunTool(subsetArgs);
         EXPECT_EQ(subset.code, 1) << args[0];
-        EXPECT_EQ(subset.err.rfind("vksvg: " + in + ": Unsupported attribute attribute \"", 0), 0u) << subset.err;
+        EXPECT_EQ(subset.err.rfind("vksvg: " + in + ":1:1: Unsupported attribute attribute \"", 0), 0u) << subset.err;
     }
     // The root viewport in pixels, the viewBox mapping as the root's transform.
     const CliRun info = RunTool({"info", in});

@@ -229,13 +229,13 @@ TEST_F(Process, LoadFailuresNameTheFileThePlaceAndAHint)
     const ProcessRun strict = RunVksvg({"mesh", unsupported, "-o", File("u.obj"), "--subset"});
     EXPECT_EQ(strict.status, 1);
     EXPECT_EQ(strict.err, "vksvg: " + unsupported +
-                              ": Found unsupported tag in svg : \"ellipse\"\n"
+                              ":2:3: Found unsupported tag in svg : \"ellipse\"\n"
                               "vksvg: hint: add --lenient to skip what the subset does not support, or drop "
                               "--subset to read with the full profile\n");
     EXPECT_FALSE(fs::exists(File("u.obj")));
     const ProcessRun lenient = RunVksvg({"info", unsupported, "--subset", "--lenient"});
     EXPECT_EQ(lenient.status, 0);
-    EXPECT_EQ(lenient.err, "vksvg: " + unsupported + ": Ignore unsupported tag in svg : \"ellipse\"\n");
+    EXPECT_EQ(lenient.err, "vksvg: " + unsupported + ":2:3: Ignore unsupported tag in svg : \"ellipse\"\n");
     EXPECT_EQ(RunVksvg({"info", unsupported}).status, 0);
 
     // Any name is read as SVG.
@@ -274,7 +274,9 @@ TEST_F(Process, JsonOutputsFollowTheirSchemas)
     EXPECT_EQ(l["profile"], "subset");
     ASSERT_EQ(l["messages"].size(), 1u);
     EXPECT_EQ(l["messages"][0]["severity"], "warning");
-    EXPECT_TRUE(l["messages"][0]["line"].is_null());
+    // Where the skipped tag begins.
+    EXPECT_EQ(l["messages"][0]["line"], 2);
+    EXPECT_EQ(l["messages"][0]["column"], 3);
     EXPECT_EQ(l["messages"][0]["text"], "Ignore unsupported tag in svg : \"ellipse\"");
 
     const Json b = Json::parse(RunVksvg({"bbox", in, "--json"}).out);

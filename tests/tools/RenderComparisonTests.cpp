@@ -1,4 +1,5 @@
-// Every file in tests/data/full drawn by vksvg render and by rsvg-convert,
+// Every file in tests/data/full (fills and frames) and tests/data/stroke
+// (one stroke feature each) drawn by vksvg render and by rsvg-convert,
 // compared pixel by pixel over white.
 #include "ToolTestSupport.h"
 
@@ -29,15 +30,20 @@ constexpr double kMaxDiffering = 0.02;
 
 // Files that are known to draw differently, and why. They are still drawn
 // and compared; a difference skips instead of failing.
-const std::map<std::string, std::string> kKnownDifferences = {};
+const std::map<std::string, std::string> kKnownDifferences = {
+    {"non_scaling", "rsvg-convert ignores vector-effect=\"non-scaling-stroke\" and scales the stroke with the "
+                    "shape"},
+};
 
 const fs::path kFolder = fs::path(VKSVG_TEST_DATA_DIR) / "full";
+const fs::path kStrokeFolder = fs::path(VKSVG_TEST_DATA_DIR) / "stroke";
 
-// The names of the files without ".svg", which also name the tests.
-std::vector<std::string> FullProfileFiles()
+// The names of the files of `folder` without ".svg", which also name the
+// tests.
+std::vector<std::string> SvgFiles(const fs::path& folder)
 {
     std::vector<std::string> names;
-    for (const fs::directory_entry& entry : fs::directory_iterator(kFolder))
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder))
         if (entry.is_regular_file() && entry.path().extension() == ".svg")
             names.push_back(entry.path().stem().string());
     std::sort(names.begin(), names.end());
@@ -119,15 +125,13 @@ double DifferingShare(const Picture& a, const Picture& b)
     return a.rgb.empty() ? 0.0 : static_cast<double>(differing) / (a.rgb.size() / 3);
 }
 
-class RenderComparison : public ::testing::TestWithParam<std::string> {};
-
-TEST_P(RenderComparison, MatchesRsvgConvert)
+// Draws `folder`/`name`.svg both ways at vksvg's size and compares.
+void CompareWithRsvg(const fs::path& folder, const std::string& name)
 {
     if (std::system("command -v rsvg-convert > /dev/null 2>&1") != 0)
         FAIL() << "rsvg-convert is missing: install librsvg2-bin (scripts/deps.sh does)";
 
-    const std::string& name = GetParam();
-    const std::string file = (kFolder / (name + ".svg")).string();
+    const std::string file = (folder / (name + ".svg")).string();
     const std::string base = ::testing::TempDir() + "/vksvg_compare_" + std::to_string(::getpid()) + "_" + name;
     const std::string ours = base + "_vksvg.png";
     const std::string theirs = base + "_rsvg.png";
@@ -163,6 +167,18 @@ TEST_P(RenderComparison, MatchesRsvgConvert)
         std::cout << name << " messages:\n" << run.err;
 }
 
-INSTANTIATE_TEST_SUITE_P(FullProfileFiles, RenderComparison, ::testing::ValuesIn(FullProfileFiles()), TestName);
+class RenderComparison : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(RenderComparison, MatchesRsvgConvert) { CompareWithRsvg(kFolder, GetParam()); }
+
+INSTANTIATE_TEST_SUITE_P(FullProfileFiles, RenderComparison, ::testing::ValuesIn(SvgFiles(kFolder)), TestName);
+
+// The library's own strokes: joins, caps, dashes, dots, transforms and
+// translucency, each alone in a small file.
+class StrokeRenderComparison : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(StrokeRenderComparison, MatchesRsvgConvert) { CompareWithRsvg(kStrokeFolder, GetParam()); }
+
+INSTANTIATE_TEST_SUITE_P(StrokeFiles, StrokeRenderComparison, ::testing::ValuesIn(SvgFiles(kStrokeFolder)), TestName);
 
 } // namespace

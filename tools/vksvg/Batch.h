@@ -2,8 +2,8 @@
 #define VKSVG_TOOL_BATCH_H
 
 // Work on several files: the plan (which input writes which output), the
-// run on N threads, and the summary. Loads and saves are served one at a
-// time by DocumentIO; everything between them runs in parallel.
+// run on N threads, and the summary. Every stage of a file, its load and
+// save included, runs in parallel with the other files'.
 
 #include <functional>
 #include <ostream>

@@ -61,23 +61,29 @@ const std::vector<Command>& commands()
          "Load IN and save it as OUT (\"-\" for standard output): N digits after the point (default 6), "
          "indented output, no Exporter/Datetime comments. Messages go to standard error.",
          runConvertCommand, "vksvg convert drawing.svg clean.svg --precision 2 --pretty"},
-        {"mesh", "IN -o OUT | IN... -d DIR [-j N] [--format obj|json] [--json] [--tolerance T] [--subset] [--lenient]",
+        {"mesh",
+         "IN -o OUT | IN... -d DIR [-j N] [--format obj|json] [--json] [--strokes] [--tolerance T] [--subset] "
+         "[--lenient]",
          "Segment IN and write the result to OUT: .obj (one object per shape named by its id or shape-N, each "
-         "vertex once, outline as lines, fill as triangles) or .json (per shape its id, points, index pairs, "
-         "subpaths, triangle vertices and indices, fill and stroke colours, stroke width; then the failed shapes). "
-         "Prints the numbers of primitives, outline points and triangles, and of shapes whose fill could not be "
-         "made, each listed on standard error; exits with 3 when there are any. With --subset, the library's old "
+         "vertex once, outline as lines, fill as triangles; with --strokes each stroke's triangles as the object "
+         "<name>-stroke) or .json (per shape its id, points, index pairs, subpaths, triangle vertices and "
+         "indices, fill and stroke colours, stroke width, stroke vertices and indices; then the failed shapes). "
+         "Prints the numbers of primitives, outline points, fill and stroke triangles, and of shapes whose fill "
+         "could not be made, each listed on standard error; exits with 3 when there are any. With --subset, the "
+         "library's old "
          "output (outline and triangle vertices apart, objects shapeN), exiting with 1 when segmentation stopped "
          "at a stroked shape.",
          runMeshCommand, "vksvg mesh drawing.svg -o drawing.obj"},
         {"render",
          "IN -o OUT | IN... -d DIR [-j N] [--format png|pdf|svg] [--width W] [--height H] [--background COLOR] "
          "[--wireframe] [--tolerance T] [--subset] [--lenient]",
-         "Draw the segmentation of IN as a PNG, PDF or SVG picture (cairo): fills from their triangles, outlines "
-         "in their stroke colour and width, the viewBox (or the estimated box) fitted to W x H on COLOR (default "
+         "Draw the segmentation of IN as a PNG, PDF or SVG picture (cairo): each shape's fill triangles in its "
+         "fill paint, then its stroke triangles in its stroke paint (with --subset, outlines stroked by cairo in "
+         "their stroke colour and width), the viewBox (or the estimated box) fitted to W x H on COLOR (default "
          "white; none for transparent). The default size is the document's own in pixels, or with --subset or "
          "without a viewBox 512 wide; a missing side follows the aspect ratio. --wireframe also outlines every "
-         "triangle. Shapes whose fill could not be made are listed on standard error and drawn as outlines; the "
+         "triangle, fill triangles in crimson and stroke triangles in blue. Shapes whose fill could not be made are "
+         "listed on standard error and drawn as outlines; the "
          "exit status is then 3.",
          runRenderCommand, "vksvg render drawing.svg -o drawing.png --width 640"},
         {"bbox", "IN [--json] [--tolerance T] [--subset] [--lenient]",

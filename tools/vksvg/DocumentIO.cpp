@@ -1,13 +1,9 @@
 #include "DocumentIO.h"
 
-#include <svg/vkSvgIOManager.h>
-
 #include <vkSystem/vkIoDevice.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
-#include <mutex>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -16,13 +12,6 @@
 namespace vksvg::io {
 
 namespace {
-
-// The manager and its drivers serve one request at a time.
-std::mutex& LibraryMutex()
-{
-    static std::mutex mutex;
-    return mutex;
-}
 
 // Reads a file descriptor as it comes, so that a document is never held
 // in memory whole: a huge file only costs what the parser keeps of it.
@@ -71,40 +60,6 @@ private:
     bool mOwned;
 };
 
-// The parser ends its messages with " (line L, column C)" when it knows
-// where it stopped.
-void FindPosition(const std::string& text, Diagnostic& diagnostic)
-{
-    const std::string open = " (line ";
-    const std::size_t at = text.rfind(open);
-    if (at == std::string::npos || text.empty() || text.back() != ')')
-        return;
-    int line = 0;
-    int column = 0;
-    char tail = 0;
-    if (std::sscanf(text.c_str() + at, " (line %d, column %d%c", &line, &column, &tail) == 3 && tail == ')' &&
-        line > 0 && column > 0) {
-        diagnostic.line = line;
-        diagnostic.column = column;
-    }
-}
-
-std::vector<Diagnostic> Diagnose(const std::list<std::string>& messages, bool ok)
-{
-    std::vector<Diagnostic> diagnostics;
-    for (const std::string& text : messages) {
-        Diagnostic diagnostic;
-        diagnostic.text = text;
-        // What was skipped is a warning; a failed request's other messages
-        // are why it failed.
-        const bool skipped = text.rfind("Ignore ", 0) == 0;
-        diagnostic.severity = ok || skipped ? Diagnostic::Severity::Warning : Diagnostic::Severity::Error;
-        FindPosition(text, diagnostic);
-        diagnostics.push_back(std::move(diagnostic));
-    }
-    return diagnostics;
-}
-
 } // namespace
 
 std::string DisplayName(const std::string& path) { return path == "-" ? "<stdin>" : path; }
@@ -132,28 +87,19 @@ LoadResult LoadInput(const std::string& path, const vk::svg::LoadOptions& option
         return result;
     }
 
+    // Through a device, so that the file's own name, whatever its
+    // extension, plays no part.
     DescriptorDevice device(fd.get());
-    {
-        const std::lock_guard<std::mutex> lock(LibraryMutex());
-        // Through a device with the format's name, so that the file's own
-        // name, whatever its extension, plays no part.
-        result.ok =
-            vk::svg::vkSvgIOManager::get().loadSvg(result.root, device, "svg", nullptr, &options, &result.messages);
-    }
+    result.ok = vk::svg::LoadSvgDocument(result.root, device, options, &result.messages, &result.diagnostics);
     if (!device.readError().empty())
         result.readError = device.readError();
-    result.diagnostics = Diagnose(result.messages, result.ok);
     return result;
 }
 
 SaveResult SaveDocument(const vk::svg::ItemInterface& root, vk::vkIoDevice& device, const vk::svg::SaveOptions& options)
 {
     SaveResult result;
-    {
-        const std::lock_guard<std::mutex> lock(LibraryMutex());
-        result.ok = vk::svg::vkSvgIOManager::get().saveSvg(root, device, "svg", nullptr, &options, &result.messages);
-    }
-    result.diagnostics = Diagnose(result.messages, result.ok);
+    result.ok = vk::svg::SaveSvgDocument(root, device, options, &result.messages, &result.diagnostics);
     return result;
 }
 

@@ -3,9 +3,10 @@
 
 // Every load and save of the tool goes through here, and nowhere else, so
 // that how documents reach the library is decided in one file. Calls may
-// come from several threads at once: they are served one at a time, since
-// the library's I/O manager keeps its drivers' messages in the drivers.
+// come from several threads at once and run side by side: each request has
+// a driver state of its own, so nothing needs to wait for another file.
 
+#include <svg/DocumentIO.h>
 #include <svg/Items.h>
 #include <svg/Options.h>
 
@@ -20,16 +21,9 @@ class vkIoDevice;
 
 namespace vksvg::io {
 
-// One message of a load or save, with where in the input it points when
-// that is known.
-struct Diagnostic {
-    enum class Severity { Warning, Error };
-    Severity severity = Severity::Error;
-    std::optional<int> line;
-    std::optional<int> column;
-    // The library's text, unchanged.
-    std::string text;
-};
+// One message of a load or save as the library tells it: its severity,
+// and its line and column when the parser knew them.
+using Diagnostic = vk::svg::Diagnostic;
 
 struct LoadResult {
     bool ok = false;

@@ -34,7 +34,7 @@ Json Messages(const std::vector<io::Diagnostic>& diagnostics)
     Json list = Json::array();
     for (const io::Diagnostic& diagnostic : diagnostics) {
         Json message;
-        message["severity"] = diagnostic.severity == io::Diagnostic::Severity::Warning ? "warning" : "error";
+        message["severity"] = diagnostic.severity == vk::svg::DiagnosticSeverity::Warning ? "warning" : "error";
         message["line"] = diagnostic.line ? Json(*diagnostic.line) : Json(nullptr);
         message["column"] = diagnostic.column ? Json(*diagnostic.column) : Json(nullptr);
         message["text"] = diagnostic.text;

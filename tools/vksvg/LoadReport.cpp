@@ -12,6 +12,16 @@ bool IsUnsupported(const std::string& text)
     return StartsWith(text, "Found unsupported tag") || StartsWith(text, "Unsupported attribute");
 }
 
+// The XML parser's own complaints end with where it stopped, as
+// " (line L, column C)"; the loader's messages about elements and
+// attributes carry their place in the diagnostic only.
+bool IsParserComplaint(const std::string& text)
+{
+    const std::size_t at = text.rfind(" (line ");
+    return at != std::string::npos && !text.empty() && text.back() == ')' &&
+           text.find(", column ", at) != std::string::npos;
+}
+
 void PrintHint(const io::LoadResult& result, const vk::svg::LoadOptions& options, std::ostream& err)
 {
     if (options.profile != vk::svg::LoadProfile::Subset || !result.readError.empty())
@@ -22,7 +32,7 @@ void PrintHint(const io::LoadResult& result, const vk::svg::LoadOptions& options
         unsupported = unsupported || IsUnsupported(diagnostic.text);
         // The parser places its complaints, and an empty document is
         // empty to both profiles: no option mends either.
-        malformed = malformed || diagnostic.line.has_value() || StartsWith(diagnostic.text, "Document is empty");
+        malformed = malformed || IsParserComplaint(diagnostic.text) || StartsWith(diagnostic.text, "Document is empty");
     }
     if (malformed)
         return;

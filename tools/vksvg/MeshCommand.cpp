@@ -99,15 +99,43 @@ private:
     std::vector<std::string> mLines;
 };
 
+// The triangles of a stroke mesh as an object of their own, each vertex
+// once; `base` moves past its vertices.
+void WriteStrokeObject(std::ostream& file, const std::string& name, const SegmentedPrimitive& primitive,
+                       std::size_t& base)
+{
+    const auto& points = primitive.getStrokeVertices();
+    const auto& indices = primitive.getStrokeIndices();
+    if (indices.size() < 3)
+        return;
+    file << "o " << name << "-stroke\n";
+    SharedVertices vertices;
+    std::vector<uint32_t> vertex;
+    for (const auto& p : points)
+        vertex.push_back(vertices.add(p));
+    for (const std::string& xy : vertices.lines())
+        file << "v " << xy << " 0\n";
+    for (std::size_t i = 0; i + 2 < indices.size(); i += 3) {
+        file << 'f';
+        for (std::size_t j = 0; j < 3; ++j)
+            file << ' ' << base + (indices[i + j] < vertex.size() ? vertex[indices[i + j]] : 0);
+        file << '\n';
+    }
+    base += vertices.lines().size();
+}
+
+// With `strokes`, every stroke mesh follows its shape's object as the
+// object "<name>-stroke".
 void WriteSharedObj(std::ostream& file, const vk::svg::SegmenterVisitor& visitor,
-                    const std::vector<geometry::ShapeWalk::Shape>& shapes)
+                    const std::vector<geometry::ShapeWalk::Shape>& shapes, bool strokes)
 {
     file << "# vksvg mesh: one object per shape named by its id, each vertex once, outline as lines, fill as "
-            "triangles\n";
+         << (strokes ? "triangles, stroke as triangles of <name>-stroke\n" : "triangles\n");
     std::size_t base = 1; // OBJ vertex numbers are global and start at 1
     std::size_t n = 0;
     for (const auto& primitive : visitor.getSegmentedPrimitives()) {
-        file << "o " << ObjectName(n < shapes.size() ? shapes[n].id : std::nullopt, n) << '\n';
+        const std::string name = ObjectName(n < shapes.size() ? shapes[n].id : std::nullopt, n);
+        file << "o " << name << '\n';
         ++n;
         SharedVertices vertices;
         std::vector<uint32_t> fillVertex;
@@ -126,6 +154,8 @@ void WriteSharedObj(std::ostream& file, const vk::svg::SegmenterVisitor& visitor
         for (std::size_t i = 0; i + 2 < fill.size(); i += 3)
             file << "f " << base + fill[i] << ' ' << base + fill[i + 1] << ' ' << base + fill[i + 2] << '\n';
         base += vertices.lines().size();
+        if (strokes)
+            WriteStrokeObject(file, name, *primitive, base);
     }
 }
 
@@ -221,7 +251,14 @@ void WriteJson(std::ostream& file, const vk::svg::SegmenterVisitor& visitor, std
         WriteJsonColor(file, properties.hasFill(), properties.parseFillColor(), number);
         file << ",\"stroke\":";
         WriteJsonColor(file, properties.hasStroke(), properties.parseStrokeColor(), number);
-        file << ",\"strokeWidth\":" << number(properties.getStrokeWidth().value_or(1.0f)) << '}';
+        file << ",\"strokeWidth\":" << number(properties.getStrokeWidth().value_or(1.0f));
+        if (shapes != nullptr) {
+            file << ",\"strokeVertices\":";
+            WriteJsonPoints(file, primitive->getStrokeVertices(), number);
+            file << ",\"strokeIndices\":";
+            WriteJsonTuples(file, primitive->getStrokeIndices(), 3);
+        }
+        file << '}';
         separator = ",\n";
     }
     file << "\n],\"failedShapes\":" << failedShapes;
@@ -250,6 +287,7 @@ struct MeshSettings {
     vk::svg::LoadOptions load;
     std::optional<float> tolerance;
     bool statisticsAsJson = false;
+    bool strokeObjects = false;
 };
 
 // Segments one input and writes its mesh; prints the counts, as lines or
@@ -270,7 +308,7 @@ int MeshOne(const Job& job, const MeshSettings& settings, std::ostream& out, std
     if (faithful) {
         const geometry::ShapeWalk walk(*tree);
         if (settings.format == MeshFormat::Obj)
-            WriteSharedObj(file, visitor, walk.shapes());
+            WriteSharedObj(file, visitor, walk.shapes(), settings.strokeObjects);
         else
             WriteJson(file, visitor, segmentation.failedShapes, &walk.shapes());
     } else if (settings.format == MeshFormat::Obj) {
@@ -286,9 +324,11 @@ int MeshOne(const Job& job, const MeshSettings& settings, std::ostream& out, std
 
     std::size_t points = 0;
     std::size_t triangles = 0;
+    std::size_t strokeTriangles = 0;
     for (const auto& primitive : visitor.getSegmentedPrimitives()) {
         points += primitive->getPoints().size();
         triangles += primitive->getTriangleIndices().size() / 3;
+        strokeTriangles += primitive->getStrokeIndices().size() / 3;
     }
     const bool stopped = !faithful && visitor.hasError();
     if (settings.statisticsAsJson) {
@@ -304,14 +344,19 @@ int MeshOne(const Job& job, const MeshSettings& settings, std::ostream& out, std
                            {"primitives", visitor.getSegmentedPrimitives().size()},
                            {"contourPoints", points},
                            {"triangles", triangles},
+                           {"strokeTriangles", strokeTriangles},
                            {"failedShapes", segmentation.failedShapes},
                            {"failures", failures},
                            {"stopped", stopped}});
     } else if (job.output != "-") {
         out << "Primitives: " << visitor.getSegmentedPrimitives().size() << '\n'
             << "Contour points: " << points << '\n'
-            << "Triangles: " << triangles << '\n'
-            << "Failed shapes: " << segmentation.failedShapes << '\n';
+            << "Triangles: " << triangles << '\n';
+        // The subset's segmentation has no stroke meshes, and keeps its
+        // counts as they always were.
+        if (faithful)
+            out << "Stroke triangles: " << strokeTriangles << '\n';
+        out << "Failed shapes: " << segmentation.failedShapes << '\n';
         if (stopped)
             out << "Segmentation stopped at a stroked shape that could not be filled; later shapes are missing.\n";
     }
@@ -341,12 +386,17 @@ int runMeshCommand(const std::vector<std::string>& args, std::ostream& out, std:
     parser.value("--format", formatText, "obj|json", "The mesh format for -o - and -d (default obj)");
     parser.flag("--json", settings.statisticsAsJson,
                 "Print the counts as one JSON object (schema vksvg-mesh/1) per input");
+    parser.flag("--strokes", settings.strokeObjects,
+                "Also write each shape's stroke triangles to .obj as the object <name>-stroke (.json always has "
+                "them); not with --subset");
     flags.add(parser);
     parser.loadFlags(loadFlags);
     if (const auto status = parser.parse(args, out, err))
         return *status;
 
     settings.load = loadFlags.options();
+    if (settings.strokeObjects && !geometry::Faithful(settings.load))
+        return parser.usage("--strokes needs the default segmentation, not --subset", err);
     std::string why;
     if (!flags.check(parser, settings.load, why))
         return parser.usage(why, err);

@@ -99,12 +99,13 @@ BoundingBox SourceBox(const vk::svg::Node& tree, const vk::svg::SegmenterVisitor
 // triangles and segments are left out.
 bool Finite(const Wm4::Vector2<float>& p) { return std::isfinite(p.X()) && std::isfinite(p.Y()); }
 
-void AddTriangles(cairo_t* cr, const SegmentedPrimitive& primitive)
+// One mesh's triangles as one path.
+void AddTriangles(cairo_t* cr, const std::vector<Wm4::Vector2<float>>& v, const std::vector<uint32_t>& t)
 {
-    const auto& v = primitive.getTriangleVertices();
-    const auto& t = primitive.getTriangleIndices();
     cairo_new_path(cr);
     for (std::size_t i = 0; i + 2 < t.size(); i += 3) {
+        if (t[i] >= v.size() || t[i + 1] >= v.size() || t[i + 2] >= v.size())
+            continue;
         const auto& a = v[t[i]];
         const auto& b = v[t[i + 1]];
         const auto& c = v[t[i + 2]];
@@ -122,30 +123,36 @@ void SetSource(cairo_t* cr, const Wm4::ColorRGBA& color)
     cairo_set_source_rgba(cr, color.R(), color.G(), color.B(), color.A());
 }
 
-// All of one shape's triangles as one path, filled once: separate fills
-// would leave antialiased seams along every shared edge.
-void FillTriangles(cairo_t* cr, const SegmentedPrimitive& primitive)
+// All of one mesh's triangles as one path, filled once under the non-zero
+// rule: separate fills would leave antialiased seams along every shared
+// edge, and would paint twice where a fast stroke's pieces overlap. The
+// meshes wind all their triangles one way, so overlaps never cancel.
+void FillMesh(cairo_t* cr, const std::vector<Wm4::Vector2<float>>& vertices, const std::vector<uint32_t>& indices,
+              const Wm4::ColorRGBA& color)
 {
-    if (primitive.getTriangleIndices().size() < 3)
+    if (indices.size() < 3)
         return;
-    AddTriangles(cr, primitive);
+    AddTriangles(cr, vertices, indices);
     cairo_set_fill_rule(cr, CAIRO_FILL_RULE_WINDING);
-    SetSource(cr, primitive.getProperties().parseFillColor());
+    SetSource(cr, color);
     cairo_fill(cr);
 }
 
+// The library's stroke mesh, in the stroke's paint.
+void FillStroke(cairo_t* cr, const SegmentedPrimitive& primitive)
+{
+    const vk::svg::RenderingProperties& properties = primitive.getProperties();
+    if (properties.hasStroke())
+        FillMesh(cr, primitive.getStrokeVertices(), primitive.getStrokeIndices(), properties.parseStrokeColor());
+}
+
 // Consecutive pairs that share an end are one polyline, so that its
-// corners get joins instead of two caps. With `closeLoops` a polyline that
-// comes back to its first point is closed, so that the corner there is
-// joined too: rectangles and circles return to the first index, paths
-// repeat the first point.
-void TraceContour(cairo_t* cr, const SegmentedPrimitive& primitive, bool closeLoops)
+// corners get joins instead of two caps.
+void TraceContour(cairo_t* cr, const SegmentedPrimitive& primitive)
 {
     const auto& points = primitive.getPoints();
     const auto& indices = primitive.getIndices();
     cairo_new_path(cr);
-    uint32_t first = 0;
-    bool drawn = false;
     for (std::size_t i = 0; i + 1 < indices.size(); i += 2) {
         const auto& a = points[indices[i]];
         const auto& b = points[indices[i + 1]];
@@ -153,81 +160,23 @@ void TraceContour(cairo_t* cr, const SegmentedPrimitive& primitive, bool closeLo
             cairo_new_sub_path(cr);
             continue;
         }
-        if (i == 0 || indices[i] != indices[i - 1] || !cairo_has_current_point(cr)) {
+        if (i == 0 || indices[i] != indices[i - 1] || !cairo_has_current_point(cr))
             cairo_move_to(cr, a.X(), a.Y());
-            first = indices[i];
-            drawn = false;
-        }
-        const auto& start = points[first];
-        if (closeLoops && drawn && (indices[i + 1] == first || (b.X() == start.X() && b.Y() == start.Y())))
-            cairo_close_path(cr);
-        else
-            cairo_line_to(cr, b.X(), b.Y());
-        drawn = true;
+        cairo_line_to(cr, b.X(), b.Y());
     }
 }
 
-// The outline run by run as the segmentation marks them, so that an open
-// run that comes back to its start still gets caps, not a join.
-void TraceSubpaths(cairo_t* cr, const SegmentedPrimitive& primitive)
-{
-    const auto& points = primitive.getPoints();
-    const auto& indices = primitive.getIndices();
-    cairo_new_path(cr);
-    for (const SegmentedPrimitive::Subpath& run : primitive.getSubpaths()) {
-        const std::size_t end = std::min<std::size_t>(indices.size(), std::size_t(run.firstIndex) + run.indexCount);
-        bool drawing = false;
-        // A run broken by a non-finite point has no start to close to.
-        bool whole = true;
-        for (std::size_t i = run.firstIndex; i + 2 <= end; i += 2) {
-            const auto& a = points[indices[i]];
-            const auto& b = points[indices[i + 1]];
-            if (!Finite(a) || !Finite(b)) {
-                drawing = false;
-                whole = false;
-                continue;
-            }
-            if (!drawing)
-                cairo_move_to(cr, a.X(), a.Y());
-            drawing = true;
-            if (run.closed && whole && i + 2 == end)
-                cairo_close_path(cr);
-            else
-                cairo_line_to(cr, b.X(), b.Y());
-        }
-    }
-}
-
-// With `userSpace`, the full profile's strokes: the pen is shaped by the
-// shape's transform (the contour is already mapped), loops are closed and
-// the miter limit is SVG's.
-// Without it, the subset's: the width in the document's space, every
-// polyline capped at both ends.
-void StrokeContour(cairo_t* cr, const SegmentedPrimitive& primitive, const Wm4::Matrix3<float>* userSpace)
+// The subset's strokes, drawn by cairo as the tool always has: the width
+// in the document's space, every polyline capped at both ends. The
+// default segmentation brings its own stroke meshes instead.
+void StrokeContour(cairo_t* cr, const SegmentedPrimitive& primitive)
 {
     const vk::svg::RenderingProperties& properties = primitive.getProperties();
     const float width = properties.getStrokeWidth().value_or(1.0f);
     if (!properties.hasStroke() || !(width > 0.0f) || primitive.getIndices().size() < 2)
         return;
-    if (!primitive.getSubpaths().empty())
-        TraceSubpaths(cr, primitive);
-    else
-        TraceContour(cr, primitive, userSpace != nullptr);
+    TraceContour(cr, primitive);
     cairo_save(cr);
-    const bool nonScaling = (properties.getVectorEffect().value_or(0) &
-                             static_cast<uint32_t>(vk::svg::VectorEffect::NonScalingStroke)) != 0;
-    if (userSpace != nullptr && !nonScaling) {
-        const Wm4::Matrix3<float>& m = *userSpace;
-        cairo_matrix_t pen;
-        cairo_matrix_init(&pen, m(0, 0), m(1, 0), m(0, 1), m(1, 1), 0, 0);
-        // A singular matrix would put the context in an error state.
-        cairo_matrix_t inverse = pen;
-        if (std::isfinite(m(0, 0)) && std::isfinite(m(1, 0)) && std::isfinite(m(0, 1)) && std::isfinite(m(1, 1)) &&
-            cairo_matrix_invert(&inverse) == CAIRO_STATUS_SUCCESS)
-            cairo_transform(cr, &pen);
-    }
-    if (userSpace != nullptr)
-        cairo_set_miter_limit(cr, properties.getStrokeMiterlimit().value_or(4.0f));
     cairo_set_line_width(cr, width);
     switch (properties.getStrokeLinecap().value_or(vk::svg::LineCap::Butt)) {
     case vk::svg::LineCap::Round:
@@ -257,13 +206,24 @@ void StrokeContour(cairo_t* cr, const SegmentedPrimitive& primitive, const Wm4::
     cairo_restore(cr);
 }
 
-// Every triangle outlined one device pixel wide, whatever the scale.
-void OutlineTriangles(cairo_t* cr, const SegmentedPrimitive& primitive, double pixel)
+// Every triangle of one mesh outlined one device pixel wide, whatever the
+// scale.
+struct EdgeColor {
+    double r, g, b, a;
+};
+
+// Wireframe colours: fill edges crimson, stroke edges blue, both a little
+// see-through so that dense meshes still show what lies under them.
+constexpr EdgeColor kFillEdges{0.9, 0.1, 0.4, 0.8};
+constexpr EdgeColor kStrokeEdges{0.1, 0.35, 0.95, 0.8};
+
+void OutlineTriangles(cairo_t* cr, const std::vector<Wm4::Vector2<float>>& vertices,
+                      const std::vector<uint32_t>& indices, double pixel, const EdgeColor& color)
 {
-    AddTriangles(cr, primitive);
+    AddTriangles(cr, vertices, indices);
     cairo_set_line_width(cr, pixel);
     cairo_set_line_join(cr, CAIRO_LINE_JOIN_BEVEL);
-    cairo_set_source_rgba(cr, 0.9, 0.1, 0.4, 0.8);
+    cairo_set_source_rgba(cr, color.r, color.g, color.b, color.a);
     cairo_stroke(cr);
 }
 
@@ -356,25 +316,26 @@ int RenderOne(const Job& job, const RenderSettings& settings, std::ostream& out,
     cairo_translate(cr, (width - scale * box.getWidth()) / 2, (height - scale * box.getHeight()) / 2);
     cairo_scale(cr, scale, scale);
     cairo_translate(cr, -box.getMinPoint().X(), -box.getMinPoint().Y());
-    // The subset draws every stroke at its width in the document's space.
-    std::vector<Wm4::Matrix3<float>> userSpaces;
-    if (settings.load.profile == vk::svg::LoadProfile::Full) {
-        const geometry::ShapeWalk walk(*tree);
-        for (const geometry::ShapeWalk::Shape& shape : walk.shapes())
-            userSpaces.push_back(shape.transform);
-    }
     std::size_t triangles = 0;
-    std::size_t shape = 0;
     for (const auto& primitive : visitor.getSegmentedPrimitives()) {
         if (primitive->getProperties().hasFill())
-            FillTriangles(cr, *primitive);
-        StrokeContour(cr, *primitive, shape < userSpaces.size() ? &userSpaces[shape] : nullptr);
-        ++shape;
+            FillMesh(cr, primitive->getTriangleVertices(), primitive->getTriangleIndices(),
+                     primitive->getProperties().parseFillColor());
+        if (faithful)
+            FillStroke(cr, *primitive);
+        else
+            StrokeContour(cr, *primitive);
         triangles += primitive->getTriangleIndices().size() / 3;
     }
-    if (settings.wireframe)
+    if (settings.wireframe) {
         for (const auto& primitive : visitor.getSegmentedPrimitives())
-            OutlineTriangles(cr, *primitive, 1.0 / scale);
+            OutlineTriangles(cr, primitive->getTriangleVertices(), primitive->getTriangleIndices(), 1.0 / scale,
+                             kFillEdges);
+        for (const auto& primitive : visitor.getSegmentedPrimitives())
+            if (!primitive->getStrokeIndices().empty())
+                OutlineTriangles(cr, primitive->getStrokeVertices(), primitive->getStrokeIndices(), 1.0 / scale,
+                                 kStrokeEdges);
+    }
 
     cairo_destroy(cr);
     cairo_status_t status = CAIRO_STATUS_SUCCESS;
@@ -425,7 +386,7 @@ int runRenderCommand(const std::vector<std::string>& args, std::ostream& out, st
     parser.value("--width", widthText, "W", "Picture width in pixels, " + side);
     parser.value("--height", heightText, "H", "Picture height in pixels, " + side);
     parser.value("--background", backgroundText, "COLOR", "Any SVG colour, or none for transparent (default white)");
-    parser.flag("--wireframe", settings.wireframe, "Also outline every triangle");
+    parser.flag("--wireframe", settings.wireframe, "Also outline every triangle: fill ones crimson, stroke ones blue");
     flags.add(parser);
     parser.loadFlags(loadFlags);
     if (const auto status = parser.parse(args, out, err))
