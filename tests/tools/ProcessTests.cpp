@@ -7,7 +7,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -52,7 +54,8 @@ TEST_F(Process, EveryCommandHasHelp)
         {"convert",
          {"-o,--output", "-d,--directory", "-j,--jobs", "--precision", "--pretty", "--no-header", "--subset",
           "--lenient"}},
-        {"mesh", {"-o,--output", "-d,--directory", "-j,--jobs", "--format", "--json", "--tolerance", "--subset"}},
+        {"mesh",
+         {"-o,--output", "-d,--directory", "-j,--jobs", "--format", "--json", "--strokes", "--tolerance", "--subset"}},
         {"render",
          {"-o,--output", "-d,--directory", "-j,--jobs", "--format", "--width", "--height", "--background",
           "--wireframe", "--tolerance", "--subset", "--lenient"}},
@@ -453,4 +456,114 @@ TEST_F(Process, FailedWritesLeaveNoPartialFile)
     const ProcessRun batch = RunVksvg({"render", in, File("other.svg", kSquare), "-d", readOnly});
     EXPECT_EQ(batch.status, 1);
     EXPECT_EQ(batch.err, "vksvg: cannot write to \"" + readOnly + "\": Permission denied\n");
+}
+
+namespace {
+
+// A stroked line with an id, a stroked square without one, a filled square
+// without a stroke, and a dashed line whose every dash is a piece of mesh.
+const char* const kStrokes =
+    "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 60 60\">"
+    "<line id=\"rule\" x1=\"0\" y1=\"5\" x2=\"40\" y2=\"5\" stroke=\"blue\" stroke-width=\"2\"/>"
+    "<rect x=\"10\" y=\"10\" width=\"20\" height=\"20\" fill=\"none\" stroke=\"red\" "
+    "stroke-width=\"4\" stroke-linejoin=\"bevel\"/>"
+    "<rect id=\"plain\" x=\"40\" y=\"40\" width=\"5\" height=\"5\"/>"
+    "<path id=\"dashes\" d=\"M0 50 H30\" stroke=\"black\" stroke-width=\"4\" "
+    "stroke-dasharray=\"5 5\"/></svg>";
+
+// The area of a stroke mesh's triangles, summed: where the fast stroker's
+// pieces overlap (inside a corner), that part counts twice.
+double MeshArea(const Json& vertices, const Json& triangles)
+{
+    double area = 0;
+    for (const Json& t : triangles) {
+        const Json& a = vertices[t[0].get<std::size_t>()];
+        const Json& b = vertices[t[1].get<std::size_t>()];
+        const Json& c = vertices[t[2].get<std::size_t>()];
+        const double cross = (b[0].get<double>() - a[0].get<double>()) * (c[1].get<double>() - a[1].get<double>()) -
+                             (b[1].get<double>() - a[1].get<double>()) * (c[0].get<double>() - a[0].get<double>());
+        area += std::abs(cross) / 2;
+    }
+    return area;
+}
+
+} // namespace
+
+// The stroke meshes reach both mesh formats and the counts: in .json always,
+// in .obj as objects "<name>-stroke" with --strokes.
+TEST_F(Process, MeshWritesStrokeMeshes)
+{
+    const std::string in = File("strokes.svg", kStrokes);
+    const ProcessRun json = RunVksvg({"mesh", in, "-o", "-", "--format", "json"});
+    ASSERT_EQ(json.status, 0) << json.err;
+    const Json mesh = Json::parse(json.out);
+    ASSERT_EQ(mesh["primitives"].size(), 4u);
+    std::size_t strokeTriangles = 0;
+    for (const Json& primitive : mesh["primitives"]) {
+        const Json& vertices = primitive["strokeVertices"];
+        const Json& triangles = primitive["strokeIndices"];
+        ASSERT_TRUE(vertices.is_array() && triangles.is_array());
+        strokeTriangles += triangles.size();
+        for (const Json& t : triangles) {
+            ASSERT_EQ(t.size(), 3u);
+            for (const Json& i : t)
+                EXPECT_LT(i.get<std::size_t>(), vertices.size());
+        }
+        EXPECT_EQ(triangles.empty(), primitive["stroke"].is_null()) << primitive["id"];
+    }
+    // Independent of how the stroker cuts them: a butt-capped line covers
+    // length x width. The bevelled square's ring is its outer square less its
+    // inner one, less half of each 2 x 2 outer corner; the two sides meeting
+    // at a corner both cover its 2 x 2 inner square. Three dashes of 5 (the
+    // pattern ends on a gap at 30) cover 3 x 5 x 4.
+    const Json& primitives = mesh["primitives"];
+    EXPECT_NEAR(MeshArea(primitives[0]["strokeVertices"], primitives[0]["strokeIndices"]), 40.0 * 2, 1e-3);
+    const double ring = 24.0 * 24 - 16 * 16 - 4 * (2.0 * 2 / 2);
+    EXPECT_NEAR(MeshArea(primitives[1]["strokeVertices"], primitives[1]["strokeIndices"]), ring + 4 * (2.0 * 2), 1e-3);
+    EXPECT_NEAR(MeshArea(primitives[3]["strokeVertices"], primitives[3]["strokeIndices"]), 3 * 5.0 * 4, 1e-3);
+
+    // The counts say as much.
+    const ProcessRun stats = RunVksvg({"mesh", in, "-o", File("s.obj"), "--json"});
+    ASSERT_EQ(stats.status, 0) << stats.err;
+    EXPECT_EQ(Json::parse(stats.out)["strokeTriangles"], strokeTriangles);
+    const ProcessRun text = RunVksvg({"mesh", in, "-o", File("s.obj")});
+    EXPECT_TRUE(Contains(text.out, "\nStroke triangles: " + std::to_string(strokeTriangles) + "\n")) << text.out;
+
+    // Without --strokes the .obj has the shapes only; with it each stroke
+    // follows its shape, named after it, as faces on vertices of its own.
+    const ProcessRun plain = RunVksvg({"mesh", in, "-o", "-"});
+    EXPECT_FALSE(Contains(plain.out, "-stroke")) << plain.out;
+    const ProcessRun obj = RunVksvg({"mesh", in, "-o", "-", "--strokes"});
+    ASSERT_EQ(obj.status, 0) << obj.err;
+    std::vector<std::string> names;
+    std::size_t vertices = 0;
+    std::size_t objectStart = 1;
+    std::string current;
+    std::size_t faces = 0;
+    std::istringstream lines(obj.out);
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream fields(line);
+        std::string kind;
+        fields >> kind;
+        if (kind == "o") {
+            fields >> current;
+            names.push_back(current);
+            objectStart = vertices + 1;
+        } else if (kind == "v") {
+            ++vertices;
+        } else if (kind == "f" && current.size() > 7 && current.compare(current.size() - 7, 7, "-stroke") == 0) {
+            ++faces;
+            for (std::size_t n = 0; fields >> n;)
+                EXPECT_TRUE(n >= objectStart && n <= vertices) << line;
+        } else if (kind == "l") {
+            EXPECT_EQ(current.find("-stroke"), std::string::npos) << "a stroke object has no outline";
+        }
+    }
+    EXPECT_EQ(names, (std::vector<std::string>{"rule", "rule-stroke", "shape-1", "shape-1-stroke", "plain", "dashes",
+                                               "dashes-stroke"}));
+    EXPECT_EQ(faces, strokeTriangles);
+
+    const ProcessRun subset = RunVksvg({"mesh", in, "-o", File("x.obj"), "--strokes", "--subset"});
+    EXPECT_EQ(subset.status, 2);
+    EXPECT_TRUE(Contains(subset.err, "--strokes needs the default segmentation, not --subset")) << subset.err;
 }
