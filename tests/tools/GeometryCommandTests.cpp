@@ -310,11 +310,12 @@ TEST_F(GeometryCommands, MeshObjSharesVerticesAndNamesObjectsByTheirIds)
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.err, "");
     const std::vector<ObjObject> objects = ParseObj(Read(obj));
-    ASSERT_EQ(objects.size(), 4u);
+    ASSERT_EQ(objects.size(), 5u);
     EXPECT_EQ(objects[0].name, "box");
     EXPECT_EQ(objects[1].name, "shape-1");
     EXPECT_EQ(objects[2].name, "shape-2");
     EXPECT_EQ(objects[3].name, "rule");
+    EXPECT_EQ(objects[4].name, "rule-stroke");
     for (const ObjObject& object : objects) {
         std::vector<std::string> sorted = object.vertices;
         std::sort(sorted.begin(), sorted.end());

@@ -55,7 +55,7 @@ TEST_F(Process, EveryCommandHasHelp)
          {"-o,--output", "-d,--directory", "-j,--jobs", "--precision", "--pretty", "--no-header", "--subset",
           "--lenient"}},
         {"mesh",
-         {"-o,--output", "-d,--directory", "-j,--jobs", "--format", "--json", "--strokes", "--tolerance", "--subset"}},
+         {"-o,--output", "-d,--directory", "-j,--jobs", "--format", "--json", "--tolerance", "--subset"}},
         {"render",
          {"-o,--output", "-d,--directory", "-j,--jobs", "--format", "--width", "--height", "--background",
           "--wireframe", "--tolerance", "--subset", "--lenient"}},
@@ -490,7 +490,7 @@ double MeshArea(const Json& vertices, const Json& triangles)
 } // namespace
 
 // The stroke meshes reach both mesh formats and the counts: in .json always,
-// in .obj as objects "<name>-stroke" with --strokes.
+// in .obj as objects "<name>-stroke".
 TEST_F(Process, MeshWritesStrokeMeshes)
 {
     const std::string in = File("strokes.svg", kStrokes);
@@ -529,11 +529,11 @@ TEST_F(Process, MeshWritesStrokeMeshes)
     const ProcessRun text = RunVksvg({"mesh", in, "-o", File("s.obj")});
     EXPECT_TRUE(Contains(text.out, "\nStroke triangles: " + std::to_string(strokeTriangles) + "\n")) << text.out;
 
-    // Without --strokes the .obj has the shapes only; with it each stroke
-    // follows its shape, named after it, as faces on vertices of its own.
-    const ProcessRun plain = RunVksvg({"mesh", in, "-o", "-"});
+    // Each stroke follows its shape, named after it, as faces on vertices
+    // of its own; the library's own segmentation has no stroke meshes.
+    const ProcessRun plain = RunVksvg({"mesh", in, "-o", "-", "--subset"});
     EXPECT_FALSE(Contains(plain.out, "-stroke")) << plain.out;
-    const ProcessRun obj = RunVksvg({"mesh", in, "-o", "-", "--strokes"});
+    const ProcessRun obj = RunVksvg({"mesh", in, "-o", "-"});
     ASSERT_EQ(obj.status, 0) << obj.err;
     std::vector<std::string> names;
     std::size_t vertices = 0;
@@ -562,8 +562,4 @@ TEST_F(Process, MeshWritesStrokeMeshes)
     EXPECT_EQ(names, (std::vector<std::string>{"rule", "rule-stroke", "shape-1", "shape-1-stroke", "plain", "dashes",
                                                "dashes-stroke"}));
     EXPECT_EQ(faces, strokeTriangles);
-
-    const ProcessRun subset = RunVksvg({"mesh", in, "-o", File("x.obj"), "--strokes", "--subset"});
-    EXPECT_EQ(subset.status, 2);
-    EXPECT_TRUE(Contains(subset.err, "--strokes needs the default segmentation, not --subset")) << subset.err;
 }

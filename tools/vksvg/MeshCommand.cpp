@@ -124,13 +124,13 @@ void WriteStrokeObject(std::ostream& file, const std::string& name, const Segmen
     base += vertices.lines().size();
 }
 
-// With `strokes`, every stroke mesh follows its shape's object as the
-// object "<name>-stroke".
+// Every stroke mesh follows its shape's object as the object
+// "<name>-stroke" (the library's own segmentation makes none).
 void WriteSharedObj(std::ostream& file, const vk::svg::SegmenterVisitor& visitor,
-                    const std::vector<geometry::ShapeWalk::Shape>& shapes, bool strokes)
+                    const std::vector<geometry::ShapeWalk::Shape>& shapes)
 {
     file << "# vksvg mesh: one object per shape named by its id, each vertex once, outline as lines, fill as "
-         << (strokes ? "triangles, stroke as triangles of <name>-stroke\n" : "triangles\n");
+            "triangles, stroke as triangles of <name>-stroke\n";
     std::size_t base = 1; // OBJ vertex numbers are global and start at 1
     std::size_t n = 0;
     for (const auto& primitive : visitor.getSegmentedPrimitives()) {
@@ -154,8 +154,7 @@ void WriteSharedObj(std::ostream& file, const vk::svg::SegmenterVisitor& visitor
         for (std::size_t i = 0; i + 2 < fill.size(); i += 3)
             file << "f " << base + fill[i] << ' ' << base + fill[i + 1] << ' ' << base + fill[i + 2] << '\n';
         base += vertices.lines().size();
-        if (strokes)
-            WriteStrokeObject(file, name, *primitive, base);
+        WriteStrokeObject(file, name, *primitive, base);
     }
 }
 
@@ -287,7 +286,6 @@ struct MeshSettings {
     vk::svg::LoadOptions load;
     std::optional<float> tolerance;
     bool statisticsAsJson = false;
-    bool strokeObjects = false;
 };
 
 // Segments one input and writes its mesh; prints the counts, as lines or
@@ -308,7 +306,7 @@ int MeshOne(const Job& job, const MeshSettings& settings, std::ostream& out, std
     if (faithful) {
         const geometry::ShapeWalk walk(*tree);
         if (settings.format == MeshFormat::Obj)
-            WriteSharedObj(file, visitor, walk.shapes(), settings.strokeObjects);
+            WriteSharedObj(file, visitor, walk.shapes());
         else
             WriteJson(file, visitor, segmentation.failedShapes, &walk.shapes());
     } else if (settings.format == MeshFormat::Obj) {
@@ -386,17 +384,12 @@ int runMeshCommand(const std::vector<std::string>& args, std::ostream& out, std:
     parser.value("--format", formatText, "obj|json", "The mesh format for -o - and -d (default obj)");
     parser.flag("--json", settings.statisticsAsJson,
                 "Print the counts as one JSON object (schema vksvg-mesh/1) per input");
-    parser.flag("--strokes", settings.strokeObjects,
-                "Also write each shape's stroke triangles to .obj as the object <name>-stroke (.json always has "
-                "them); not with --subset");
     flags.add(parser);
     parser.loadFlags(loadFlags);
     if (const auto status = parser.parse(args, out, err))
         return *status;
 
     settings.load = loadFlags.options();
-    if (settings.strokeObjects && !geometry::Faithful(settings.load))
-        return parser.usage("--strokes needs the default segmentation, not --subset", err);
     std::string why;
     if (!flags.check(parser, settings.load, why))
         return parser.usage(why, err);
