@@ -189,3 +189,27 @@ TEST_F(DocumentCommands, LoadFlagsGoAnywhereAfterTheCommand)
         EXPECT_NE(r.err.find("[--subset] [--lenient]\n"), std::string::npos) << r.err;
     }
 }
+
+// convert writes the fewest digits that read back exactly, unless a
+// precision or the library's own behaviour (--subset) is asked for.
+TEST_F(DocumentCommands, ConvertWritesShortestNumbersByDefault)
+{
+    const std::string in = Write("numbers.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\">"
+                                                "<circle cx=\"133.02\" cy=\"0.1\" r=\"1234.5678\"/></svg>");
+    const struct {
+        std::vector<std::string> flags;
+        const char* circle;
+    } cases[] = {
+        {{}, "<circle r=\"1234.5677\" cx=\"133.02\" cy=\"0.1\"/>"},
+        {{"--subset"}, "<circle r=\"1234.567749\" cx=\"133.020004\" cy=\"0.1\"/>"},
+        {{"--precision", "2"}, "<circle r=\"1234.57\" cx=\"133.02\" cy=\"0.1\"/>"},
+        {{"--precision=1", "--subset"}, "<circle r=\"1234.6\" cx=\"133\" cy=\"0.1\"/>"},
+    };
+    for (const auto& c : cases) {
+        std::vector<std::string> args = {"convert", in, "-", "--no-header"};
+        args.insert(args.end(), c.flags.begin(), c.flags.end());
+        const CliRun r = RunTool(args);
+        EXPECT_EQ(r.code, 0) << r.err;
+        EXPECT_NE(r.out.find(c.circle), std::string::npos) << r.out;
+    }
+}

@@ -21,11 +21,15 @@ struct ConvertFlags {
 
 // The one place where convert's SaveOptions are made from its flags: new
 // save options (and their flags) are added here.
-bool BuildSaveOptions(const cli::Parser& parser, const ConvertFlags& flags, vk::svg::SaveOptions& options,
+bool BuildSaveOptions(const cli::Parser& parser, const ConvertFlags& flags, bool subset, vk::svg::SaveOptions& options,
                       std::string& why)
 {
     options = vk::svg::SaveOptions();
+    // The fewest digits that read back exactly, unless a precision is asked
+    // for or the library's own behaviour is (--subset).
+    options.shortestNumbers = !subset;
     if (parser.given("--precision")) {
+        options.shortestNumbers = false;
         long precision = 0;
         if (!cli::ParseWhole("--precision", flags.precision, -1, 100, precision, why))
             return false;
@@ -79,7 +83,7 @@ int runConvertCommand(const std::vector<std::string>& args, std::ostream& out, s
     parser.value("-o,--output", output, "OUT", "The output file (.svg; \"-\" for standard output)");
     parser.value("-d,--directory", directory, "DIR", "Write each input to DIR/<stem>.svg (made when missing)");
     parser.value("-j,--jobs", jobsText, "N", "Work on N files at a time (1 to 256, default 1)");
-    parser.value("--precision", flags.precision, "N", "Digits after the point, -1 to 100 (default -1: 6)");
+    parser.value("--precision", flags.precision, "N", "Digits after the point, -1 to 100 (default: the fewest that read back exactly; with --subset 6)");
     parser.flag("--pretty", flags.pretty, "Indent the output and space out path data");
     parser.flag("--no-header", flags.noHeader, "Leave out the Exporter and Datetime comments");
     parser.loadFlags(loadFlags);
@@ -88,7 +92,8 @@ int runConvertCommand(const std::vector<std::string>& args, std::ostream& out, s
 
     std::string why;
     vk::svg::SaveOptions saveOptions;
-    if (!BuildSaveOptions(parser, flags, saveOptions, why))
+    const bool subset = loadFlags.options().profile == vk::svg::LoadProfile::Subset;
+    if (!BuildSaveOptions(parser, flags, subset, saveOptions, why))
         return parser.usage(why, err);
     long jobsCount = 1;
     if (parser.given("--jobs") && !cli::ParseWhole("-j", jobsText, 1, 256, jobsCount, why))
