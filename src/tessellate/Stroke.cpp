@@ -4,6 +4,7 @@
 #include "tessellate/Flatten.h"
 #include "tessellate/Stroke.h"
 #include "tessellate/StrokeGeometry.h"
+#include "tessellate/StrokeUnion.h"
 
 #include <algorithm>
 #include <cmath>
@@ -56,7 +57,9 @@ public:
     {
     }
 
-    void polyline(const std::vector<Point>& points, bool closed)
+    // `points` is a std::vector<Point> or a FloatView: anything with
+    // size() and an operator[] that gives a Point.
+    template <class Points> void polyline(const Points& points, bool closed)
     {
         const std::size_t m = points.size();
         const std::size_t segments = closed ? m : m - 1;
@@ -128,6 +131,8 @@ public:
     }
 
     bool overflowed() const { return mOverflow; }
+    // Some triangle was left out, so that its vertices may be unused.
+    bool dropped() const { return mDropped; }
 
     bool tooManyVertices() const { return mTooMany; }
     FillMesh& mesh() { return mMesh; }
@@ -150,7 +155,7 @@ private:
     // itself crosses. A joint is cut when its inner crossing lies within
     // the nearer half of both segments, so that cuts never meet; other
     // joints keep overlapping rectangles, which the union resolves.
-    void planCuts(const std::vector<Point>& points, bool closed)
+    template <class Points> void planCuts(const Points& points, bool closed)
     {
         const std::size_t m = points.size();
         mCut.assign(m, 0);
@@ -249,6 +254,7 @@ private:
     {
         const double area = cross(a, b, c);
         if (!(area != 0.0) || mOverflow || mTooMany) {
+            mDropped = true;
             return;
         }
         mMesh.indices.push_back(a);
@@ -384,6 +390,7 @@ private:
     bool mPieces;
     bool mOverflow = false;
     bool mTooMany = false;
+    bool mDropped = false;
     FillMesh mMesh;
     std::vector<uint32_t> mRing;
     std::vector<char> mCut;
@@ -392,50 +399,100 @@ private:
     std::vector<std::vector<V2>> mRings;
 };
 
-struct Subpath {
-    std::vector<Point> points;
-    bool closed = false;
+// The first `count` float points of a polyline read as double in place:
+// float is exact in double, so this is the copy without its memory.
+struct FloatView {
+    const V2* data = nullptr;
+    std::size_t count = 0;
+
+    std::size_t size() const { return count; }
+    Point operator[](std::size_t i) const { return {double(data[i].X()), double(data[i].Y())}; }
 };
 
-// Drops repeated points and a closing repeat of the first point.
+// The points that stroking keeps: repeated points dropped, and a closing
+// repeat of the first point. Most polylines have no repeats but perhaps the
+// closing one, and are read in place; only the others are copied.
+struct Subpath {
+    FloatView view;
+    std::vector<Point> copy;
+    bool copied = false;
+    bool closed = false;
+
+    std::size_t size() const { return copied ? copy.size() : view.size(); }
+};
+
 Subpath Prepare(const StrokePolyline& polyline)
 {
     Subpath subpath;
     subpath.closed = polyline.closed;
-    subpath.points.reserve(polyline.points.size());
-    for (const V2& p : polyline.points) {
+    const std::vector<V2>& points = polyline.points;
+    bool repeats = false;
+    for (std::size_t i = 1; i < points.size() && !repeats; ++i) {
+        repeats = points[i] == points[i - 1];
+    }
+    if (!repeats) {
+        std::size_t count = points.size();
+        while (subpath.closed && count > 1 && points[count - 1] == points[0]) {
+            --count;
+        }
+        subpath.view = FloatView{points.data(), count};
+        return subpath;
+    }
+    subpath.copied = true;
+    subpath.copy.reserve(points.size());
+    for (const V2& p : points) {
         const Point q{double(p.X()), double(p.Y())};
-        if (subpath.points.empty() || subpath.points.back() != q) {
-            subpath.points.push_back(q);
+        if (subpath.copy.empty() || subpath.copy.back() != q) {
+            subpath.copy.push_back(q);
         }
     }
     if (subpath.closed) {
-        while (subpath.points.size() > 1 && subpath.points.back() == subpath.points.front()) {
-            subpath.points.pop_back();
+        while (subpath.copy.size() > 1 && subpath.copy.back() == subpath.copy.front()) {
+            subpath.copy.pop_back();
         }
     }
     return subpath;
 }
 
-double PathLength(const Subpath& subpath)
+// The subpath's points as one vector, in `scratch` when read in place.
+const std::vector<Point>& Points(const Subpath& subpath, std::vector<Point>& scratch)
+{
+    if (subpath.copied) {
+        return subpath.copy;
+    }
+    scratch.resize(subpath.view.size());
+    for (std::size_t i = 0; i < scratch.size(); ++i) {
+        scratch[i] = subpath.view[i];
+    }
+    return scratch;
+}
+
+template <class Points> double PathLength(const Points& points, bool closed)
 {
     double length = 0.0;
-    const std::size_t m = subpath.points.size();
+    const std::size_t m = points.size();
     for (std::size_t i = 0; i + 1 < m; ++i) {
-        length += Length(subpath.points[i + 1] - subpath.points[i]);
+        length += Length(points[i + 1] - points[i]);
     }
-    if (subpath.closed && m > 1) {
-        length += Length(subpath.points[0] - subpath.points[m - 1]);
+    if (closed && m > 1) {
+        length += Length(points[0] - points[m - 1]);
     }
     return length;
+}
+
+double PathLength(const Subpath& subpath)
+{
+    return subpath.copied ? PathLength(subpath.copy, subpath.closed) : PathLength(subpath.view, subpath.closed);
 }
 
 // SVG draws a zero-length subpath only when it was closed or had a second
 // point: a lone moveto draws nothing.
 bool IsDot(const Subpath& subpath, const StrokePolyline& source)
 {
-    return subpath.points.size() == 1 && (source.closed || source.points.size() > 1);
+    return subpath.size() == 1 && (source.closed || source.points.size() > 1);
 }
+
+Point First(const Subpath& subpath) { return subpath.copied ? subpath.copy[0] : subpath.view[0]; }
 
 void Emit(Builder& builder, const impl::Dash& dash)
 {
@@ -479,21 +536,24 @@ bool Stroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& sty
     // infinite limit from making infinite clipped miters at reversals.
     const double limit = style.miterLimit >= 1.0f ? std::min(double(style.miterLimit), 1e6) : 4.0;
 
+    impl::DashPattern pattern;
+    bool dashed = impl::MakeDashPattern(style.dashArray, style.dashOffset, pattern);
+
     std::vector<Subpath> subpaths;
     subpaths.reserve(polylines.size());
     std::size_t pointCount = 0;
+    // Lengths only matter to dashes.
     std::vector<double> lengths;
-    lengths.reserve(polylines.size());
     double totalLength = 0.0;
     for (const StrokePolyline& polyline : polylines) {
         subpaths.push_back(Prepare(polyline));
-        pointCount += subpaths.back().points.size();
-        lengths.push_back(PathLength(subpaths.back()));
-        totalLength += lengths.back();
+        pointCount += subpaths.back().size();
+        if (dashed) {
+            lengths.push_back(PathLength(subpaths.back()));
+            totalLength += lengths.back();
+        }
     }
 
-    impl::DashPattern pattern;
-    bool dashed = impl::MakeDashPattern(style.dashArray, style.dashOffset, pattern);
     if (dashed) {
         // Whole periods are walked entry by entry for certain: when they
         // alone spend the budget, stroke solid without walking them.
@@ -523,6 +583,7 @@ bool Stroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& sty
         }
     }
 
+    bool dropped = true;
     for (int attempt = 0; attempt < 2; ++attempt) {
         Builder builder(style, radius, limit, transform, steps);
         // The caller's storage is reused, so that stroking again into the
@@ -538,25 +599,30 @@ bool Stroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& sty
         }
         std::size_t budget = DashBudget(style.mode);
         std::vector<impl::Dash> dashes;
+        std::vector<Point> scratch;
         bool restart = false;
         for (std::size_t i = 0; i < subpaths.size() && !restart; ++i) {
             const Subpath& subpath = subpaths[i];
-            if (subpath.points.empty()) {
+            if (subpath.size() == 0) {
                 continue;
             }
-            if (subpath.points.size() == 1 && !IsDot(subpath, polylines[i])) {
+            if (subpath.size() == 1 && !IsDot(subpath, polylines[i])) {
                 continue;
             }
-            if (subpath.points.size() == 1 && !dashed) {
-                builder.dot(subpath.points[0], Point{1.0, 0.0});
+            if (subpath.size() == 1 && !dashed) {
+                builder.dot(First(subpath), Point{1.0, 0.0});
                 continue;
             }
             if (!dashed) {
-                builder.polyline(subpath.points, subpath.closed);
+                if (subpath.copied) {
+                    builder.polyline(subpath.copy, subpath.closed);
+                } else {
+                    builder.polyline(subpath.view, subpath.closed);
+                }
                 continue;
             }
             dashes.clear();
-            if (!impl::CutDashes(subpath.points, subpath.closed, pattern, budget, dashes)) {
+            if (!impl::CutDashes(Points(subpath, scratch), subpath.closed, pattern, budget, dashes)) {
                 // Too fine to draw: stroke the whole call solid instead.
                 dashed = false;
                 restart = true;
@@ -583,10 +649,15 @@ bool Stroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& sty
         if (style.mode == StrokeMode::NonOverlapping) {
             const auto rings = std::move(builder.pieces());
             builder.mesh() = FillMesh{};
-            return TessellateFill(rings, WindingRule::NonZero, mesh, error);
+            return impl::UnitePieces(rings, mesh, error);
         }
+        dropped = builder.dropped();
         mesh = std::move(builder.mesh());
         break;
+    }
+    if (!dropped) {
+        // Every vertex belongs to a triangle that was kept.
+        return true;
     }
 
     // Vertices of pieces that rounding flattened are left out.
