@@ -21,8 +21,10 @@
 // 4. Output: Fast mode fans the pieces into triangles as they are, turning
 //    each positive and dropping any that rounding flattened (two per
 //    straight segment, one or two per bevel or miter, one per arc step).
-//    NonOverlapping mode hands the positively oriented pieces to
-//    TessellateFill under NonZero, whose union covers every point once.
+//    NonOverlapping mode unites the positively oriented pieces under
+//    NonZero (StrokeUnion.h): runs of neighbouring pieces one fill each,
+//    then their outlines a few at a time, so that the final mesh covers
+//    every point once.
 //
 // Why not Clipper's ClipperOffset: it offsets on an integer grid, has no
 // bevel (its miter falls back to a square cut) and no miter-clip, and would
@@ -38,9 +40,12 @@
 // round joins, caps and dots of a call share kRoundStepBudget steps (past
 // either, circles coarsen and the tolerance is no longer met, down to
 // kMinCircleSteps). Polylines are straight: Arcs joins meet as MiterClip.
-// The non-overlapping mode costs what TessellateFill's union costs: linear
-// while the path does not cross itself (the pieces only touch), but with
-// Clipper's growth, worse than linear, where it overlaps itself densely.
+// The non-overlapping mode costs about n log n for n pieces plus the
+// crossings of the stroke's outline with itself: local overlaps (fine
+// dashes, short segments at sharp turns) vanish in the small first fills,
+// and only the outlines go on. Crossings are not bounded beyond that, as
+// the mesh itself needs a vertex for each of them: a path of n long
+// segments that all cross each other costs n squared, as filling it would.
 
 #include <cstddef>
 

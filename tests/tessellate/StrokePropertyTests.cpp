@@ -4,8 +4,11 @@
 // not share a grid with), and every centre-line point inside both.
 #include "StrokeTestSupport.h"
 
+#include "tessellate/StrokeUnion.h"
+
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 #include <string>
@@ -169,6 +172,137 @@ TEST(StrokeProperties, FastModeTriangleBudget)
         ASSERT_TRUE(TessellateStroke({walk}, style, mesh));
         const std::size_t segments = walk.points.size() - 1;
         EXPECT_LE(mesh.indices.size() / 3, 2 * segments + 3 * (segments - 1) + 4);
+    }
+}
+
+// A walk that crosses itself everywhere, cut into thousands of dashes
+// shorter than the width, whose round caps overlap many times over: the
+// non-overlapping union once spent minutes here in Clipper. Every sample
+// must be covered at most once, and where the fast mesh covers it.
+TEST(StrokeProperties, DenseDashesCoverOnce)
+{
+    std::mt19937 rng(12345);
+    std::uniform_real_distribution<double> turn(-2.1, 2.1);
+    std::uniform_real_distribution<double> step(0.5, 2.0);
+    StrokePolyline walk;
+    double x = 0.0, y = 0.0, heading = 0.0;
+    walk.points.emplace_back(0.0f, 0.0f);
+    for (int i = 0; i < 280; ++i) {
+        heading += turn(rng);
+        const double s = step(rng);
+        x += s * std::cos(heading) - 1e-3 * x;
+        y += s * std::sin(heading) - 1e-3 * y;
+        walk.points.emplace_back(float(x), float(y));
+    }
+    StrokeStyle style;
+    style.width = 0.4f;
+    style.join = StrokeJoin::Round;
+    style.cap = StrokeCap::Round;
+    style.tolerance = 0.01f;
+    style.dashArray = {0.05f, 0.05f};
+    FillMesh fast;
+    FillMesh exact;
+    std::string error;
+    ASSERT_TRUE(TessellateStroke({walk}, style, fast, &error)) << error;
+    style.mode = StrokeMode::NonOverlapping;
+    ASSERT_TRUE(TessellateStroke({walk}, style, exact, &error)) << error;
+    ASSERT_TRUE(WellFormed(exact));
+    ASSERT_GT(exact.indices.size(), 0u);
+
+    std::vector<V2> positions = exact.vertices;
+    std::sort(positions.begin(), positions.end(),
+              [](const V2& a, const V2& b) { return a.X() < b.X() || (a.X() == b.X() && a.Y() < b.Y()); });
+    EXPECT_TRUE(std::adjacent_find(positions.begin(), positions.end()) == positions.end());
+
+    float lx = walk.points[0].X(), hx = lx, ly = walk.points[0].Y(), hy = ly;
+    for (const V2& p : walk.points) {
+        lx = std::min(lx, p.X());
+        hx = std::max(hx, p.X());
+        ly = std::min(ly, p.Y());
+        hy = std::max(hy, p.Y());
+    }
+    std::uniform_real_distribution<float> sx(lx - 1.0f, hx + 1.0f), sy(ly - 1.0f, hy + 1.0f);
+    std::vector<V2> samples;
+    for (int i = 0; i < 40000; ++i) {
+        samples.emplace_back(sx(rng), sy(rng));
+    }
+    const std::vector<int> once = CoverCounts(exact, samples);
+    const std::vector<int> any = CoverCounts(fast, samples);
+    std::size_t covered = 0, differ = 0;
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        ASSERT_LE(once[i], 1) << samples[i].X() << " " << samples[i].Y();
+        covered += std::size_t(once[i]);
+        // Only within snapping distance of the outline may the two differ.
+        differ += std::size_t(once[i] != (any[i] > 0 ? 1 : 0));
+    }
+    EXPECT_GT(covered, samples.size() / 20);
+    EXPECT_LE(differ, samples.size() / 2000);
+}
+
+// The outline of a filled square with a square hole: eight edges, the hole
+// clockwise, so that the edges' shoelace sum is the area.
+TEST(StrokeUnion, OutlineOfAMeshWithAHole)
+{
+    const std::vector<std::vector<V2>> rings{{{0, 0}, {4, 0}, {4, 4}, {0, 4}}, {{1, 1}, {1, 3}, {3, 3}, {3, 1}}};
+    FillMesh mesh;
+    ASSERT_TRUE(vk::svg::TessellateFill(rings, vk::svg::WindingRule::NonZero, mesh));
+    vk::svg::impl::Outline outline;
+    vk::svg::impl::AppendOutline(mesh, outline);
+    ASSERT_EQ(outline.edges.size(), 16u);
+    double area = 0.0;
+    for (std::size_t k = 0; k < outline.edges.size(); k += 2) {
+        const V2 a = outline.points[outline.edges[k]];
+        const V2 b = outline.points[outline.edges[k + 1]];
+        area += (double(a.X()) * b.Y() - double(b.X()) * a.Y()) / 2.0;
+    }
+    EXPECT_DOUBLE_EQ(area, 12.0);
+}
+
+// The tree of small unions against one fill of everything: heaps of
+// overlapping triangles and stacked copies, enough for several levels.
+TEST(StrokeUnion, TreeMatchesOneFill)
+{
+    for (unsigned seed : {1u, 2u, 3u, 4u}) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        std::mt19937 rng(seed);
+        std::uniform_real_distribution<float> centre(0.0f, seed % 2 ? 10.0f : 3.0f);
+        std::uniform_real_distribution<float> unit(-1.0f, 1.0f);
+        std::vector<std::vector<V2>> pieces;
+        for (int i = 0; i < 700; ++i) {
+            const V2 c(centre(rng), centre(rng));
+            std::vector<V2> piece{c + V2(unit(rng), unit(rng)), c + V2(unit(rng), unit(rng)),
+                                  c + V2(unit(rng), unit(rng))};
+            const double area = Cross(piece[0], piece[1], piece[2]);
+            if (area == 0.0) {
+                continue;
+            }
+            if (area < 0.0) {
+                std::swap(piece[1], piece[2]);
+            }
+            pieces.push_back(piece);
+            if (i % 7 == 0) {
+                pieces.push_back(piece); // stacked exactly
+            }
+        }
+        FillMesh tree;
+        FillMesh single;
+        ASSERT_TRUE(vk::svg::impl::UnitePieces(pieces, tree, nullptr));
+        ASSERT_TRUE(vk::svg::TessellateFill(pieces, vk::svg::WindingRule::NonZero, single));
+        ASSERT_TRUE(WellFormed(tree));
+        EXPECT_NEAR(MeshArea(tree), MeshArea(single), 1e-4 * MeshArea(single));
+        std::uniform_real_distribution<float> sample(-1.5f, 11.5f);
+        std::vector<V2> samples;
+        for (int i = 0; i < 20000; ++i) {
+            samples.emplace_back(sample(rng), sample(rng));
+        }
+        const std::vector<int> a = CoverCounts(tree, samples);
+        const std::vector<int> b = CoverCounts(single, samples);
+        std::size_t differ = 0;
+        for (std::size_t i = 0; i < samples.size(); ++i) {
+            ASSERT_LE(a[i], 1);
+            differ += std::size_t(a[i] != b[i]);
+        }
+        EXPECT_LE(differ, 5u);
     }
 }
 

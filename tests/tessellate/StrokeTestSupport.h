@@ -7,6 +7,7 @@
 
 #include <clipper.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <vector>
@@ -73,6 +74,51 @@ inline bool Covers(const vk::svg::FillMesh& mesh, V2 p, double slack = 1e-4)
         }
     }
     return false;
+}
+
+// How many triangles hold each sample strictly inside, by a grid of buckets
+// over the triangles' boxes so that large meshes stay cheap to sample.
+inline std::vector<int> CoverCounts(const vk::svg::FillMesh& mesh, const std::vector<V2>& samples)
+{
+    std::vector<int> counts(samples.size(), 0);
+    if (mesh.indices.empty() || samples.empty()) {
+        return counts;
+    }
+    double x0 = samples[0].X(), x1 = x0, y0 = samples[0].Y(), y1 = y0;
+    for (const V2& p : samples) {
+        x0 = std::min(x0, double(p.X()));
+        x1 = std::max(x1, double(p.X()));
+        y0 = std::min(y0, double(p.Y()));
+        y1 = std::max(y1, double(p.Y()));
+    }
+    const int n = 64;
+    const double w = (x1 - x0) / n + 1e-9, h = (y1 - y0) / n + 1e-9;
+    const auto cell = [](double v, double lo, double size) { return std::clamp(int((v - lo) / size), 0, n - 1); };
+    std::vector<std::vector<std::size_t>> buckets(std::size_t(n) * n);
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        buckets[std::size_t(cell(samples[i].Y(), y0, h)) * n + std::size_t(cell(samples[i].X(), x0, w))].push_back(i);
+    }
+    for (std::size_t t = 0; t + 2 < mesh.indices.size(); t += 3) {
+        const V2 a = mesh.vertices[mesh.indices[t]];
+        const V2 b = mesh.vertices[mesh.indices[t + 1]];
+        const V2 c = mesh.vertices[mesh.indices[t + 2]];
+        const double lx = std::min({a.X(), b.X(), c.X()}), hx = std::max({a.X(), b.X(), c.X()});
+        const double ly = std::min({a.Y(), b.Y(), c.Y()}), hy = std::max({a.Y(), b.Y(), c.Y()});
+        if (hx < x0 || lx > x1 || hy < y0 || ly > y1) {
+            continue;
+        }
+        for (int cy = cell(ly, y0, h); cy <= cell(hy, y0, h); ++cy) {
+            for (int cx = cell(lx, x0, w); cx <= cell(hx, x0, w); ++cx) {
+                for (std::size_t i : buckets[std::size_t(cy) * n + std::size_t(cx)]) {
+                    const V2 p = samples[i];
+                    if (Cross(a, b, p) > 0.0 && Cross(b, c, p) > 0.0 && Cross(c, a, p) > 0.0) {
+                        ++counts[i];
+                    }
+                }
+            }
+        }
+    }
+    return counts;
 }
 
 // Indices in range, finite vertices, every triangle of positive area.
