@@ -242,24 +242,36 @@ private:
         return uint32_t(mMesh.vertices.size() - 1);
     }
 
-    double cross(uint32_t a, uint32_t b, uint32_t c) const
+    static double cross(const V2& p, const V2& q, const V2& r)
     {
-        const V2& p = mMesh.vertices[a];
-        const V2& q = mMesh.vertices[b];
-        const V2& r = mMesh.vertices[c];
         return (double(q.X()) - p.X()) * (double(r.Y()) - p.Y()) - (double(q.Y()) - p.Y()) * (double(r.X()) - p.X());
     }
 
-    void triangle(uint32_t a, uint32_t b, uint32_t c)
+    double cross(uint32_t a, uint32_t b, uint32_t c) const
+    {
+        return cross(mMesh.vertices[a], mMesh.vertices[b], mMesh.vertices[c]);
+    }
+
+    // Where vertex() puts p, without adding it.
+    V2 position(Point p) const
+    {
+        const Point q = mTransform.apply(p);
+        return V2(float(q.x), float(q.y));
+    }
+
+    // The triangle that triangle() would drop.
+    static bool flat(const V2& p, const V2& q, const V2& r) { return !(cross(p, q, r) != 0.0); }
+
+    bool triangle(uint32_t a, uint32_t b, uint32_t c)
     {
         const double area = cross(a, b, c);
         if (!(area != 0.0) || mOverflow || mTooMany) {
-            mDropped = true;
-            return;
+            return false;
         }
         mMesh.indices.push_back(a);
         mMesh.indices.push_back(area > 0 ? b : c);
         mMesh.indices.push_back(area > 0 ? c : b);
+        return true;
     }
 
     void piece(std::initializer_list<uint32_t> ring)
@@ -275,9 +287,18 @@ private:
             return;
         }
         if (!mPieces) {
+            // Every vertex is made for some ring; while each ring uses all
+            // of its own, no vertex is left unused. Vertex i of the fan is
+            // in triangles i - 1 and i, the first in all of them.
+            bool any = false;
+            bool previous = false;
             for (std::size_t i = 1; i + 1 < mRing.size(); ++i) {
-                triangle(mRing[0], mRing[i], mRing[i + 1]);
+                const bool kept = triangle(mRing[0], mRing[i], mRing[i + 1]);
+                mDropped = mDropped || (!kept && !previous);
+                any = any || kept;
+                previous = kept;
             }
+            mDropped = mDropped || !previous || !any;
             return;
         }
         std::vector<V2> ring;
@@ -315,14 +336,41 @@ private:
         const uint32_t b = right ? outRight : outLeft;
         const Point offsetA = Normal(in) * (right ? -mRadius : mRadius);
         const Point offsetB = Normal(out) * (right ? -mRadius : mRadius);
+        double turn = 0.0;
+        unsigned steps = 1;
+        if (mJoin == StrokeJoin::Round) {
+            turn = std::fabs(std::atan2(sine, cosine));
+            turn = right ? turn : -turn;
+            steps = unsigned(std::max(1.0, std::ceil(std::fabs(turn) / (2.0 * kPi) * mCircleSteps)));
+        }
+        // Half the angle between the segments: the miter reaches
+        // radius / cos(half) from p, a ratio of 1 / cos(half) to the width.
+        const double cosHalf = std::sqrt(std::max(0.0, (1.0 + cosine) / 2.0));
+        const double sinHalf = std::sqrt(std::max(0.0, (1.0 - cosine) / 2.0));
+        const bool tipped = mJoin != StrokeJoin::Round && mJoin != StrokeJoin::Bevel && cosHalf * mLimit >= 1.0;
+        const Point tip = p + (offsetA + offsetB) * (1.0 / (1.0 + cosine));
         if (center == kNone) {
+            // Where rounding flattens the whole piece of a nearly straight
+            // joint, its centre and tip would be left unused: not making
+            // them spares dropping them from a long mesh afterwards.
+            if (!mPieces && !mOverflow && !mTooMany) {
+                const V2 c = position(p);
+                const V2& va = mMesh.vertices[a];
+                const V2& vb = mMesh.vertices[b];
+                if (tipped) {
+                    const V2 t = position(tip);
+                    if (flat(c, va, t) && flat(c, t, vb)) {
+                        return;
+                    }
+                } else if ((mJoin != StrokeJoin::MiterClip && mJoin != StrokeJoin::Arcs && steps == 1) &&
+                           flat(c, va, vb)) {
+                    return;
+                }
+            }
             center = vertex(p);
         }
 
         if (mJoin == StrokeJoin::Round) {
-            double turn = std::fabs(std::atan2(sine, cosine));
-            turn = right ? turn : -turn;
-            const auto steps = unsigned(std::max(1.0, std::ceil(std::fabs(turn) / (2.0 * kPi) * mCircleSteps)));
             mRing.assign({center, a});
             for (unsigned i = 1; i < steps; ++i) {
                 const double angle = turn * double(i) / double(steps);
@@ -337,12 +385,7 @@ private:
             piece({center, a, b});
             return;
         }
-        // Half the angle between the segments: the miter reaches
-        // radius / cos(half) from p, a ratio of 1 / cos(half) to the width.
-        const double cosHalf = std::sqrt(std::max(0.0, (1.0 + cosine) / 2.0));
-        const double sinHalf = std::sqrt(std::max(0.0, (1.0 - cosine) / 2.0));
-        if (cosHalf * mLimit >= 1.0) {
-            const Point tip = p + (offsetA + offsetB) * (1.0 / (1.0 + cosine));
+        if (tipped) {
             piece({center, a, vertex(tip), b});
             return;
         }
@@ -510,6 +553,42 @@ std::size_t DashBudget(StrokeMode mode)
     return mode == StrokeMode::NonOverlapping ? impl::kMaxUnionDashEntries : impl::kMaxDashEntries;
 }
 
+// Leaves out the vertices of pieces that rounding flattened, keeping the
+// others in place and in their order. A few flat pieces in a long stroke are
+// the usual case, so the used vertices are a bit set small enough to stay
+// in cache, and only indices past the first unused vertex move, each by the
+// number of unused ones below it.
+void DropUnused(FillMesh& mesh)
+{
+    const std::size_t n = mesh.vertices.size();
+    std::vector<uint64_t> used((n + 63) / 64, 0);
+    for (uint32_t index : mesh.indices) {
+        used[index / 64] |= uint64_t{1} << (index % 64);
+    }
+    std::vector<uint32_t> unused;
+    for (std::size_t w = 0; w < used.size(); ++w) {
+        const uint64_t all = w + 1 < used.size() || n % 64 == 0 ? ~uint64_t{0} : (uint64_t{1} << (n % 64)) - 1;
+        for (uint64_t missing = ~used[w] & all; missing != 0; missing &= missing - 1) {
+            unused.push_back(uint32_t(w * 64 + std::size_t(__builtin_ctzll(missing))));
+        }
+    }
+    if (unused.empty()) {
+        return;
+    }
+    std::size_t kept = unused[0];
+    for (std::size_t i = unused[0]; i < n; ++i) {
+        if (used[i / 64] >> (i % 64) & 1u) {
+            mesh.vertices[kept++] = mesh.vertices[i];
+        }
+    }
+    mesh.vertices.resize(kept);
+    for (uint32_t& index : mesh.indices) {
+        if (index > unused[0]) {
+            index -= uint32_t(std::upper_bound(unused.begin(), unused.end(), index) - unused.begin());
+        }
+    }
+}
+
 bool Stroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& style, const Affine& transform,
             FillMesh& mesh, std::string* error)
 {
@@ -660,24 +739,7 @@ bool Stroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& sty
         return true;
     }
 
-    // Vertices of pieces that rounding flattened are left out.
-    // Kept in place, in their order: a used vertex never moves up.
-    std::vector<char> used(mesh.vertices.size(), 0);
-    for (uint32_t index : mesh.indices) {
-        used[index] = 1;
-    }
-    std::vector<uint32_t> remap(mesh.vertices.size());
-    uint32_t kept = 0;
-    for (std::size_t i = 0; i < mesh.vertices.size(); ++i) {
-        remap[i] = kept;
-        if (used[i]) {
-            mesh.vertices[kept++] = mesh.vertices[i];
-        }
-    }
-    for (uint32_t& index : mesh.indices) {
-        index = remap[index];
-    }
-    mesh.vertices.resize(kept);
+    DropUnused(mesh);
     return true;
 }
 

@@ -36,8 +36,8 @@
 namespace vk::svg::impl {
 
 // Pieces per group at the first level and outlines per group above it.
-constexpr std::size_t kUnionLeafPieces = 64;
-constexpr std::size_t kUnionFanIn = 4;
+constexpr std::size_t kUnionLeafPieces = 128;
+constexpr std::size_t kUnionFanIn = 8;
 
 // An outline as the edge-list form of TessellateFill takes it.
 struct Outline {
