@@ -1,7 +1,8 @@
 // Stroking long polylines, reported per segment so that sizes compare
 // directly (flat time per segment means linear work): a random walk with
 // every join and cap in fast mode, the non-overlapping mode at the smaller
-// sizes, and a dashed stroke. Counters give triangles per segment.
+// sizes (also with dense fine dashes), and a dashed stroke. Counters give
+// triangles per segment.
 
 #include <svg/Tessellation.h>
 
@@ -96,6 +97,15 @@ void Register()
             ->Arg(10000)
             ->Unit(benchmark::kMillisecond);
     }
+    // Dashes shorter than the width, whose round caps overlap their
+    // neighbours many times over, on a walk that also crosses itself: the
+    // union's worst case short of the dash budget.
+    StrokeStyle dense = Style(StrokeJoin::Round, StrokeCap::Round, StrokeMode::NonOverlapping);
+    dense.dashArray = {0.1f, 0.1f};
+    benchmark::RegisterBenchmark("NonOverlapping/DenseDashes/Round/Round", Run, dense)
+        ->Arg(100)
+        ->Arg(1000)
+        ->Unit(benchmark::kMillisecond);
     StrokeStyle dashed = Style(StrokeJoin::Miter, StrokeCap::Butt, StrokeMode::Fast);
     dashed.dashArray = {3.0f, 1.0f};
     benchmark::RegisterBenchmark("Fast/Dashed/Miter/Butt", Run, dashed)
