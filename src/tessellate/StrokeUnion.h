@@ -104,8 +104,7 @@ inline void AppendOutline(const Outline& outline, Outline& into)
 }
 
 // What the positive convex `pieces` cover, each point once, as one mesh.
-inline bool UnitePieces(const std::vector<std::vector<Wm4::Vector2<float>>>& pieces, FillMesh& mesh,
-                        std::string* error)
+inline bool UnitePieces(const std::vector<std::vector<Wm4::Vector2<float>>>& pieces, FillMesh& mesh, std::string* error)
 {
     if (pieces.size() <= kUnionLeafPieces) {
         return TessellateFill(pieces, WindingRule::NonZero, mesh, error);
