@@ -17,15 +17,6 @@
 namespace {
 
 using namespace stroke_test;
-using vk::svg::FillMesh;
-using vk::svg::StrokeCap;
-using vk::svg::StrokeJoin;
-using vk::svg::StrokeMode;
-using vk::svg::StrokePolyline;
-using vk::svg::StrokeStyle;
-using vk::svg::TessellateStroke;
-
-constexpr double kPi = 3.14159265358979323846;
 
 struct Shape {
     const char* name;

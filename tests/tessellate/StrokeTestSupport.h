@@ -15,6 +15,15 @@
 namespace stroke_test {
 
 using V2 = Wm4::Vector2<float>;
+using vk::svg::FillMesh;
+using vk::svg::StrokeCap;
+using vk::svg::StrokeJoin;
+using vk::svg::StrokeMode;
+using vk::svg::StrokePolyline;
+using vk::svg::StrokeStyle;
+using vk::svg::TessellateStroke;
+
+inline constexpr double kPi = 3.14159265358979323846;
 
 inline double Cross(V2 a, V2 b, V2 c)
 {
