@@ -1,12 +1,12 @@
 #include "tessellate/MonotoneTriangulation.h"
 
 #include "tessellate/RadixSort.h"
+#include "tessellate/SweepStatus.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
-#include <new>
-#include <set>
+#include <numeric>
 #include <utility>
 
 namespace vk::svg::impl {
@@ -61,10 +61,55 @@ int Sign(int64_t x) { return (x > 0) - (x < 0); }
 
 // A y-monotone piece being triangulated: the reflex chain still waiting for
 // a vertex that can see it, all on `side` except possibly the first.
-struct Piece {
-    std::vector<uint32_t> stack;
+// Most chains are a few vertices long, so they live in the piece itself and
+// a step of the sweep touches one cache line for its piece.
+class Chain {
+public:
+    size_t size() const { return mSize; }
+    bool empty() const { return mSize == 0; }
+    const uint32_t* data() const { return mSize <= kInline ? mInline : mSpill.data(); }
+    uint32_t back() const { return data()[mSize - 1]; }
+    void clear()
+    {
+        mSize = 0;
+        mSpill.clear();
+    }
+    void push_back(uint32_t v)
+    {
+        if (mSize < kInline) {
+            mInline[mSize++] = v;
+            return;
+        }
+        if (mSize == kInline) {
+            mSpill.assign(mInline, mInline + kInline);
+        }
+        mSpill.push_back(v);
+        ++mSize;
+    }
+    void pop_back()
+    {
+        --mSize;
+        if (mSize >= kInline) {
+            mSpill.pop_back();
+            if (mSize == kInline) {
+                std::copy(mSpill.begin(), mSpill.end(), mInline);
+                mSpill.clear();
+            }
+        }
+    }
+
+private:
+    static constexpr size_t kInline = 7;
+    uint32_t mInline[kInline] = {};
+    uint32_t mSize = 0;
+    std::vector<uint32_t> mSpill;
+};
+
+struct alignas(64) Piece {
+    Chain stack;
     Side side = Side::None;
 };
+static_assert(sizeof(Piece) == 64, "a piece fills one cache line");
 
 // The covered area right of an active edge. After a merge vertex it holds
 // two pieces that share that vertex as their top until the next vertex of
@@ -81,95 +126,14 @@ struct Segment {
     Point32 hi;
 };
 
-// Fixed-size blocks for the status tree's nodes, recycled through a free
-// list: a sweep inserts and erases a node at nearly every event.
-class NodePool {
-public:
-    NodePool() = default;
-    NodePool(const NodePool&) = delete;
-    NodePool& operator=(const NodePool&) = delete;
-    ~NodePool()
-    {
-        for (void* chunk : mChunks) {
-            ::operator delete(chunk, std::align_val_t(kLine));
-        }
-    }
-
-    void* Take(size_t size)
-    {
-        if (mFree) {
-            void* block = mFree;
-            mFree = *static_cast<void**>(mFree);
-            return block;
-        }
-        const size_t stride = std::max(RoundUp(size), sizeof(void*));
-        if (mLeft < stride) {
-            const size_t bytes = stride * std::max<size_t>(64, mBlocks);
-            mNext = static_cast<char*>(::operator new(bytes, std::align_val_t(kLine)));
-            mChunks.push_back(mNext);
-            mLeft = bytes;
-        }
-        void* block = mNext;
-        mNext += stride;
-        mLeft -= stride;
-        ++mBlocks;
-        return block;
-    }
-
-    void Give(void* block)
-    {
-        *static_cast<void**>(block) = mFree;
-        mFree = block;
-    }
-
-private:
-    // Chunks start on a cache line, and a node of a line's size fills one.
-    static constexpr size_t kLine = 64;
-    static size_t RoundUp(size_t size)
-    {
-        return (size + alignof(std::max_align_t) - 1) & ~(alignof(std::max_align_t) - 1);
-    }
-
-    std::vector<void*> mChunks;
-    void* mFree = nullptr;
-    char* mNext = nullptr;
-    size_t mLeft = 0;
-    size_t mBlocks = 0;
-};
-
-template <class T> struct PoolAllocator {
-    using value_type = T;
-    NodePool* pool;
-
-    explicit PoolAllocator(NodePool* p) : pool(p) {}
-    template <class U> PoolAllocator(const PoolAllocator<U>& other) : pool(other.pool) {}
-
-    T* allocate(size_t n)
-    {
-        if (n != 1) {
-            return static_cast<T*>(::operator new(n * sizeof(T)));
-        }
-        return static_cast<T*>(pool->Take(sizeof(T)));
-    }
-    void deallocate(T* p, size_t n)
-    {
-        if (n != 1) {
-            ::operator delete(p);
-        } else {
-            pool->Give(p);
-        }
-    }
-    template <class U> bool operator==(const PoolAllocator<U>& other) const { return pool == other.pool; }
-    template <class U> bool operator!=(const PoolAllocator<U>& other) const { return pool != other.pool; }
-};
-
 class Sweep {
 public:
     Sweep(const std::vector<GridPoint>& vertices, std::vector<Edge>& edges, std::vector<uint32_t>& triangles,
           WindingRule rule, bool stopAtCrossing)
         : mV(vertices.size()), mEdges(edges), mTriangles(triangles), mRule(rule), mStopAtCrossing(stopAtCrossing),
-          mStatus(EdgeLess{this}, PoolAllocator<StatusKey>(&mPool)), mWhere(edges.size())
+          mWhere(edges.size(), kEnd)
     {
+        mStatus.Reserve(edges.size());
         for (size_t i = 0; i < vertices.size(); ++i) {
             mV[i] = {static_cast<int32_t>(vertices[i].x), static_cast<int32_t>(vertices[i].y)};
         }
@@ -181,10 +145,6 @@ public:
     bool HasInnerEdges() const { return mInnerEdges; }
 
 private:
-    struct Probe {
-        uint32_t vertex;
-    };
-
     // The edge of a status node with what the sweep reads of it while it is
     // active, its end points, the winding number right of it and the area
     // there, so that a descent or a look at a neighbour loads one record. A
@@ -192,59 +152,42 @@ private:
     // order (one ending at a vertex, the next one starting there), which
     // saves an erase and an insert.
     struct StatusKey {
-        mutable Segment seg;
-        mutable uint32_t e;
-        mutable int32_t winding;
-        mutable Region region;
+        Segment seg;
+        uint32_t e;
+        int32_t winding;
+        Region region;
     };
+    using Status = SweepStatus<StatusKey>;
+    static constexpr uint32_t kEnd = Status::kNil;
 
-    struct EdgeLess {
-        using is_transparent = void;
-        const Sweep* s;
-        bool operator()(const StatusKey& a, const StatusKey& b) const { return EdgeLeftOf(a, b); }
-        bool operator()(const StatusKey& k, Probe p) const { return Orient(k.seg.lo, k.seg.hi, s->mV[p.vertex]) < 0; }
-        bool operator()(Probe p, const StatusKey& k) const { return Orient(k.seg.lo, k.seg.hi, s->mV[p.vertex]) > 0; }
-    };
-    using Status = std::set<StatusKey, EdgeLess, PoolAllocator<StatusKey>>;
+    // The first active edge that `at` is not right of.
+    uint32_t Locate(const Point32& at) const
+    {
+        return mStatus.LowerBound([&](const StatusKey& k) { return Orient(k.seg.lo, k.seg.hi, at) < 0; });
+    }
+
+    // Field by field: a temporary record would cost a stalled copy.
+    void SetKey(uint32_t h, uint32_t e, Region region)
+    {
+        StatusKey& k = mStatus[h];
+        k.seg = mSeg[e];
+        k.e = e;
+        k.winding = mEdges[e].winding;
+        k.region = region;
+    }
 
     int64_t Orient3(uint32_t e, uint32_t v) const { return Orient(mSeg[e].lo, mSeg[e].hi, mV[v]); }
-
-    // Order of two edges that both cross the sweep line, tested where the
-    // later of the two starts; they do not cross, so it holds for both lives.
-    static bool EdgeLeftOf(const StatusKey& a, const StatusKey& b)
-    {
-        if (a.e == b.e) {
-            return false;
-        }
-        const Segment& sa = a.seg;
-        const Segment& sb = b.seg;
-        int64_t o = 0;
-        if (sa.lo == sb.lo) {
-            o = Orient(sa.lo, sa.hi, sb.hi);
-        } else if (SweepLess(sa.lo, sb.lo)) {
-            o = Orient(sa.lo, sa.hi, sb.lo);
-            if (o == 0) {
-                o = Orient(sa.lo, sa.hi, sb.hi);
-            }
-        } else {
-            o = -Orient(sb.lo, sb.hi, sa.lo);
-            if (o == 0) {
-                o = -Orient(sb.lo, sb.hi, sa.hi);
-            }
-        }
-        return o != 0 ? o < 0 : a.e < b.e;
-    }
 
     // Neighbours in the status that cross or overlap: the first crossing in
     // sweep order always shows up between neighbours (Shamos and Hoey). A
     // vertex on the other edge is no crossing; its event cuts the edge.
-    void CheckPair(Status::iterator a, Status::iterator b)
+    void CheckPair(uint32_t a, uint32_t b)
     {
-        if (a == mStatus.end() || b == mStatus.end()) {
+        if (a == kEnd || b == kEnd) {
             return;
         }
-        const Segment& sa = a->seg;
-        const Segment& sb = b->seg;
+        const Segment& sa = mStatus[a].seg;
+        const Segment& sb = mStatus[b].seg;
         const int o1 = Sign(Orient(sa.lo, sa.hi, sb.lo));
         const int o2 = Sign(Orient(sa.lo, sa.hi, sb.hi));
         if (o1 * o2 > 0) {
@@ -254,9 +197,11 @@ private:
         const int o4 = Sign(Orient(sb.lo, sb.hi, sa.hi));
         if ((o1 * o2 < 0 && o3 * o4 < 0) || (o1 == 0 && o2 == 0 && o3 == 0 && o4 == 0)) {
             // A rounded touch, which the event at the vertex will cut.
-            const Edge& ea = mEdges[a->e];
-            const Edge& eb = mEdges[b->e];
-            const bool touch = Near(a->e, eb.lo) || Near(a->e, eb.hi) || Near(b->e, ea.lo) || Near(b->e, ea.hi);
+            const uint32_t ia = mStatus[a].e;
+            const uint32_t ib = mStatus[b].e;
+            const Edge& ea = mEdges[ia];
+            const Edge& eb = mEdges[ib];
+            const bool touch = Near(ia, eb.lo) || Near(ia, eb.hi) || Near(ib, ea.lo) || Near(ib, ea.hi);
             mCrossed = mCrossed || !touch;
         }
     }
@@ -297,15 +242,17 @@ private:
             mPieces.emplace_back();
         }
         Piece& p = mPieces[size_t(id)];
-        p.stack.assign(1, v);
+        p.stack.clear();
+        p.stack.push_back(v);
         p.side = Side::None;
         return id;
     }
 
     // Triangles between w and a chain on `side`, the chain ordered upwards.
-    void Fan(const std::vector<uint32_t>& chain, Side side, uint32_t w)
+    void Fan(const Chain& stack, Side side, uint32_t w)
     {
-        for (size_t i = 0; i + 1 < chain.size(); ++i) {
+        const uint32_t* chain = stack.data();
+        for (size_t i = 0; i + 1 < stack.size(); ++i) {
             if (side == Side::Right) {
                 Emit(chain[i], chain[i + 1], w);
             } else {
@@ -328,7 +275,9 @@ private:
         if (p.side != s) {
             Fan(p.stack, p.side, w);
             const uint32_t top = p.stack.back();
-            p.stack.assign({top, w});
+            p.stack.clear();
+            p.stack.push_back(top);
+            p.stack.push_back(w);
             p.side = s;
             return;
         }
@@ -367,7 +316,7 @@ private:
 
     // The area right of an active edge, created at v when the bookkeeping
     // lost it.
-    Region Take(const StatusKey& k, uint32_t v)
+    Region Take(StatusKey& k, uint32_t v)
     {
         Region r = k.region;
         k.region = Region{};
@@ -443,17 +392,17 @@ private:
     bool mCrossed = false;
     bool mInnerEdges = false;
     std::vector<Segment> mSeg;
-    NodePool mPool;
     Status mStatus;
-    std::vector<Status::iterator> mWhere;
+    std::vector<uint32_t> mWhere;
     std::vector<Piece> mPieces;
     std::vector<int32_t> mFree;
     bool mConsistent = true;
 
     // Edges by lower and by upper vertex (compressed rows).
-    std::vector<uint32_t> upStart, up, downStart, down;
+    // Edges by lower vertex (the caller's order) and by upper vertex.
+    std::vector<uint32_t> upStart, downStart, down;
     std::vector<uint32_t> mDownBlock;
-    std::vector<Status::iterator> mDownNodes;
+    std::vector<uint32_t> mDownNodes;
     std::vector<Region> mUpRegion;
     std::vector<uint32_t> mUps;
     std::vector<char> mInBlock;
@@ -461,43 +410,49 @@ private:
 
 void Sweep::Event(uint32_t v)
 {
-    mUps.assign(up.begin() + upStart[v], up.begin() + upStart[v + 1]);
+    mUps.resize(upStart[v + 1] - upStart[v]);
+    std::iota(mUps.begin(), mUps.end(), upStart[v]);
     const auto downBegin = down.begin() + downStart[v];
     const auto downEnd = down.begin() + downStart[v + 1];
 
     // The edges that end at v, or pass through it, are neighbours in the
     // status; find them around any one of them or around v's position.
     const Point32& at = mV[v];
-    const auto meets = [&](const StatusKey& k) {
+    const auto meets = [&](uint32_t h) {
+        const StatusKey& k = mStatus[h];
         return k.seg.hi == at || Orient(k.seg.lo, k.seg.hi, at) == 0 || Near(k.e, v);
     };
-    Status::iterator first = downBegin != downEnd ? mWhere[*downBegin] : mStatus.lower_bound(Probe{v});
-    Status::iterator last = first;
-    if (first == mStatus.end() || !meets(*first)) {
-        last = first == mStatus.begin() ? mStatus.end() : std::prev(first);
-        if (last == mStatus.end() || !meets(*last)) {
+    const auto previous = [&](uint32_t h) { return h == kEnd ? mStatus.Last() : mStatus.Prev(h); };
+    uint32_t first = downBegin != downEnd ? mWhere[*downBegin] : Locate(at);
+    uint32_t last = first;
+    if (first == kEnd || !meets(first)) {
+        last = previous(first);
+        if (last == kEnd || !meets(last)) {
             last = first;
-            first = mStatus.end();
+            first = kEnd;
         } else {
             first = last;
         }
     }
     mDownBlock.clear();
     mDownNodes.clear();
-    Status::iterator leftIt = mStatus.end();
-    Status::iterator rightIt = mStatus.end();
-    if (first != mStatus.end()) {
-        while (first != mStatus.begin() && meets(*std::prev(first))) {
-            --first;
+    uint32_t leftH = kEnd;
+    uint32_t rightH = kEnd;
+    if (first != kEnd) {
+        leftH = mStatus.Prev(first);
+        while (leftH != kEnd && meets(leftH)) {
+            first = leftH;
+            leftH = mStatus.Prev(first);
         }
-        while (std::next(last) != mStatus.end() && meets(*std::next(last))) {
-            ++last;
+        rightH = mStatus.Next(last);
+        while (rightH != kEnd && meets(rightH)) {
+            last = rightH;
+            rightH = mStatus.Next(last);
         }
-        rightIt = std::next(last);
-        leftIt = first == mStatus.begin() ? mStatus.end() : std::prev(first);
-        for (auto it = first; it != rightIt; ++it) {
-            uint32_t e = it->e;
-            if (!(it->seg.hi == at)) {
+        for (uint32_t h = first; h != rightH; h = mStatus.Next(h)) {
+            StatusKey& key = mStatus[h];
+            uint32_t e = key.e;
+            if (!(key.seg.hi == at)) {
                 // v touches the edge inside: cut it there. The lower part
                 // takes a new id and the edge's node, with the area right of
                 // it; the upper part keeps the id, so that its upper end
@@ -506,34 +461,34 @@ void Sweep::Event(uint32_t v)
                 mEdges.push_back(mEdges[e]);
                 mEdges.back().hi = v;
                 mSeg.push_back({mSeg[e].lo, mV[v]});
-                mWhere.push_back(it);
+                mWhere.push_back(h);
                 mInBlock.push_back(0);
                 mEdges[e].lo = v;
                 mSeg[e].lo = mV[v];
                 mUps.push_back(e);
-                it->seg = mSeg[f];
-                it->e = f;
+                key.seg = mSeg[f];
+                key.e = f;
                 e = f;
             }
             mInBlock[e] = 1;
             mDownBlock.push_back(e);
-            mDownNodes.push_back(it);
+            mDownNodes.push_back(h);
         }
         // Edges that end here but sit elsewhere in the status only arise from
         // crossing input; close what they bound and drop them.
         for (auto it = downBegin; it != downEnd; ++it) {
             if (!mInBlock[*it]) {
                 mConsistent = false;
-                const StatusKey& key = *mWhere[*it];
+                StatusKey& key = mStatus[mWhere[*it]];
                 if (Inside(key) && key.region.a >= 0) {
                     End(Take(key, v), v);
                 }
-                mStatus.erase(mWhere[*it]);
+                mStatus.Erase(mWhere[*it]);
             }
         }
     } else {
-        rightIt = last;
-        leftIt = rightIt == mStatus.begin() ? mStatus.end() : std::prev(rightIt);
+        rightH = last;
+        leftH = previous(rightH);
     }
     if (mUps.size() > 1) {
         std::sort(mUps.begin(), mUps.end(), [&](uint32_t a, uint32_t b) {
@@ -547,7 +502,8 @@ void Sweep::Event(uint32_t v)
     if (k == 0 && m == 0) {
         return; // every edge here cancelled out
     }
-    const StatusKey* left = leftIt == mStatus.end() ? nullptr : &*leftIt;
+    // Nothing is inserted before the last use of `left`.
+    StatusKey* left = leftH == kEnd ? nullptr : &mStatus[leftH];
     const bool insideLeft = left && Inside(*left);
 
     // The new edges' winding numbers, counted on from the left.
@@ -563,11 +519,11 @@ void Sweep::Event(uint32_t v)
     mUpRegion.assign(m, Region{});
 
     for (size_t i = 0; i + 1 < k; ++i) {
-        if (Inside(*mDownNodes[i])) {
-            End(Take(*mDownNodes[i], v), v);
+        if (Inside(mStatus[mDownNodes[i]])) {
+            End(Take(mStatus[mDownNodes[i]], v), v);
         }
     }
-    const bool insideBelowRight = k > 0 && Inside(*mDownNodes[k - 1]);
+    const bool insideBelowRight = k > 0 && Inside(mStatus[mDownNodes[k - 1]]);
     const bool insideAboveRight = m > 0 && mEdges[mUps[m - 1]].inside;
 
     if (k == 0) {
@@ -586,7 +542,7 @@ void Sweep::Event(uint32_t v)
     } else if (m == 0) {
         const int32_t a = insideLeft ? OnRight(Take(*left, v), v) : -1;
         if (insideBelowRight) {
-            const Region below = Take(*mDownNodes[k - 1], v);
+            const Region below = Take(mStatus[mDownNodes[k - 1]], v);
             if (insideLeft) {
                 left->region = Region{a, OnLeft(below, v)};
             } else {
@@ -600,7 +556,7 @@ void Sweep::Event(uint32_t v)
             left->region = Region{OnRight(Take(*left, v), v), -1};
         }
         if (insideBelowRight) {
-            const Region below = Take(*mDownNodes[k - 1], v);
+            const Region below = Take(mStatus[mDownNodes[k - 1]], v);
             if (insideAboveRight) {
                 mUpRegion[m - 1] = Region{OnLeft(below, v), -1};
             } else {
@@ -620,35 +576,38 @@ void Sweep::Event(uint32_t v)
     const size_t reuse = std::min(k, m);
     for (size_t j = 0; j < k; ++j) {
         mInBlock[mDownBlock[j]] = 0;
-        const Status::iterator node = mDownNodes[j];
+        const uint32_t node = mDownNodes[j];
         if (j < reuse) {
             const uint32_t u = mUps[j];
             mWhere[u] = node;
-            node->seg = mSeg[u];
-            node->e = u;
-            node->winding = mEdges[u].winding;
-            node->region = mUpRegion[j];
+            SetKey(node, u, mUpRegion[j]);
         } else {
-            mStatus.erase(node);
+            mStatus.Erase(node);
         }
     }
     for (size_t j = reuse; j < m; ++j) {
         const uint32_t u = mUps[j];
-        mWhere[u] = mStatus.emplace_hint(rightIt, StatusKey{mSeg[u], u, mEdges[u].winding, mUpRegion[j]});
+        mWhere[u] = mStatus.InsertBefore(rightH);
+        SetKey(mWhere[u], u, mUpRegion[j]);
     }
     if (m == 0) {
-        CheckPair(leftIt, rightIt);
+        CheckPair(leftH, rightH);
     } else {
-        CheckPair(leftIt, mWhere[mUps[0]]);
+        CheckPair(leftH, mWhere[mUps[0]]);
         for (size_t j = 0; j + 1 < m; ++j) {
             CheckPair(mWhere[mUps[j]], mWhere[mUps[j + 1]]);
         }
-        CheckPair(mWhere[mUps[m - 1]], rightIt);
+        CheckPair(mWhere[mUps[m - 1]], rightH);
     }
 }
 
 bool Sweep::Run()
 {
+    // Edges come by lower vertex, except those cut in an earlier sweep.
+    const auto byLower = [](const Edge& a, const Edge& b) { return a.lo < b.lo; };
+    if (!std::is_sorted(mEdges.begin(), mEdges.end(), byLower)) {
+        std::stable_sort(mEdges.begin(), mEdges.end(), byLower);
+    }
     const size_t nv = mV.size();
     upStart.assign(nv + 1, 0);
     downStart.assign(nv + 1, 0);
@@ -660,13 +619,10 @@ bool Sweep::Run()
         upStart[i + 1] += upStart[i];
         downStart[i + 1] += downStart[i];
     }
-    up.resize(mEdges.size());
     down.resize(mEdges.size());
     {
-        std::vector<uint32_t> upFill(upStart.begin(), upStart.end() - 1);
         std::vector<uint32_t> downFill(downStart.begin(), downStart.end() - 1);
         for (uint32_t e = 0; e < mEdges.size(); ++e) {
-            up[upFill[mEdges[e].lo]++] = e;
             down[downFill[mEdges[e].hi]++] = e;
         }
     }
@@ -677,9 +633,21 @@ bool Sweep::Run()
     }
     const auto n = static_cast<uint32_t>(mV.size());
     for (uint32_t v = 0; v < n && !(mCrossed && mStopAtCrossing); ++v) {
+        // A large status lives outside the first-level cache: start loading
+        // the node that a coming event looks up first.
+        // Three events ahead the edge's handle, two ahead its node.
+        const auto firstDown = [&](uint32_t u) {
+            return u < n && downStart[u] != downStart[u + 1] ? down[downStart[u]] : kNone;
+        };
+        if (const uint32_t e = firstDown(v + 3); e != kNone) {
+            __builtin_prefetch(&mWhere[e]);
+        }
+        if (const uint32_t e = firstDown(v + 2); e != kNone && mWhere[e] != kEnd) {
+            __builtin_prefetch(mStatus.Address(mWhere[e]));
+        }
         Event(v);
     }
-    return mConsistent && !mCrossed && mStatus.empty();
+    return mConsistent && !mCrossed && mStatus.Empty();
 }
 
 } // namespace
@@ -719,11 +687,14 @@ void TriangulateRings(const RingSet& rings, WindingRule rule, bool stopAtCrossin
         RadixSortByKey(keyed, scratch);
     }
     std::vector<uint32_t> vertexOf(total);
+    const uint64_t xMask = xBits == 0 ? 0 : ~uint64_t(0) >> (64 - xBits);
     std::vector<GridPoint> vertices;
     vertices.reserve(total);
     for (size_t i = 0; i < total; ++i) {
         if (i == 0 || keyed[i].key != keyed[i - 1].key) {
-            vertices.push_back(rings.points[keyed[i].index]);
+            // The key holds the point, which saves fetching it.
+            const uint64_t key = keyed[i].key;
+            vertices.push_back({int64_t(key & xMask) + minX, int64_t(key >> xBits) + minY});
         }
         vertexOf[keyed[i].index] = static_cast<uint32_t>(vertices.size() - 1);
     }
@@ -740,7 +711,10 @@ void TriangulateRings(const RingSet& rings, WindingRule rule, bool stopAtCrossin
             const uint32_t a = vertexOf[i];
             const uint32_t b = vertexOf[i + 1 < end ? i + 1 : begin];
             if (a != b) {
-                edges.push_back({std::min(a, b), std::max(a, b), a < b ? -1 : 1, 0, false, false});
+                Edge& e = edges.emplace_back();
+                e.lo = std::min(a, b);
+                e.hi = std::max(a, b);
+                e.delta = a < b ? -1 : 1;
             }
         }
         begin = end;
@@ -818,23 +792,26 @@ void TriangulateRings(const RingSet& rings, WindingRule rule, bool stopAtCrossin
     }
     const size_t nv = vertices.size();
 
-    // Keep only the vertices the triangles use.
-    std::vector<uint32_t> remap(nv, kNone);
-    for (uint32_t& index : triangles) {
-        if (remap[index] == kNone) {
-            remap[index] = 0;
-        }
+    // Keep only the vertices the triangles use; usually that is all of them.
+    std::vector<char> used(nv, 0);
+    for (const uint32_t index : triangles) {
+        used[index] = 1;
     }
-    uint32_t next = 0;
-    out.vertices.reserve(nv);
-    for (size_t i = 0; i < nv; ++i) {
-        if (remap[i] != kNone) {
-            remap[i] = next++;
-            out.vertices.push_back(vertices[i]);
+    if (std::find(used.begin(), used.end(), 0) == used.end()) {
+        out.vertices = std::move(vertices);
+    } else {
+        std::vector<uint32_t> remap(nv, kNone);
+        uint32_t next = 0;
+        out.vertices.reserve(nv);
+        for (size_t i = 0; i < nv; ++i) {
+            if (used[i]) {
+                remap[i] = next++;
+                out.vertices.push_back(vertices[i]);
+            }
         }
-    }
-    for (uint32_t& index : triangles) {
-        index = remap[index];
+        for (uint32_t& index : triangles) {
+            index = remap[index];
+        }
     }
     out.indices = std::move(triangles);
 }
