@@ -133,6 +133,11 @@ public:
     bool overflowed() const { return mOverflow; }
     // Some triangle was left out, so that its vertices may be unused.
     bool dropped() const { return mDropped; }
+    // A bit per vertex, set once a kept triangle uses it (Fast mode).
+    std::vector<uint64_t>& used() { return mUsed; }
+    // Per 64 vertices, how many indices there were when the first was made:
+    // no earlier index can refer to them.
+    std::vector<std::size_t>& indicesBefore() { return mIndicesBefore; }
 
     bool tooManyVertices() const { return mTooMany; }
     FillMesh& mesh() { return mMesh; }
@@ -238,8 +243,13 @@ private:
             mTooMany = true;
             return 0;
         }
+        const auto index = uint32_t(mMesh.vertices.size());
         mMesh.vertices.emplace_back(x, y);
-        return uint32_t(mMesh.vertices.size() - 1);
+        if (index % 64 == 0) {
+            mUsed.push_back(0);
+            mIndicesBefore.push_back(mMesh.indices.size());
+        }
+        return index;
     }
 
     static double cross(const V2& p, const V2& q, const V2& r)
@@ -271,6 +281,9 @@ private:
         mMesh.indices.push_back(a);
         mMesh.indices.push_back(area > 0 ? b : c);
         mMesh.indices.push_back(area > 0 ? c : b);
+        for (const uint32_t v : {a, b, c}) {
+            mUsed[v / 64] |= uint64_t{1} << (v % 64);
+        }
         return true;
     }
 
@@ -435,6 +448,8 @@ private:
     bool mTooMany = false;
     bool mDropped = false;
     FillMesh mMesh;
+    std::vector<uint64_t> mUsed;
+    std::vector<std::size_t> mIndicesBefore;
     std::vector<uint32_t> mRing;
     std::vector<char> mCut;
     std::vector<Point> mInner;
@@ -497,19 +512,6 @@ Subpath Prepare(const StrokePolyline& polyline)
     return subpath;
 }
 
-// The subpath's points as one vector, in `scratch` when read in place.
-const std::vector<Point>& Points(const Subpath& subpath, std::vector<Point>& scratch)
-{
-    if (subpath.copied) {
-        return subpath.copy;
-    }
-    scratch.resize(subpath.view.size());
-    for (std::size_t i = 0; i < scratch.size(); ++i) {
-        scratch[i] = subpath.view[i];
-    }
-    return scratch;
-}
-
 template <class Points> double PathLength(const Points& points, bool closed)
 {
     double length = 0.0;
@@ -537,12 +539,21 @@ bool IsDot(const Subpath& subpath, const StrokePolyline& source)
 
 Point First(const Subpath& subpath) { return subpath.copied ? subpath.copy[0] : subpath.view[0]; }
 
-void Emit(Builder& builder, const impl::Dash& dash)
+// A run of points in place.
+struct PointSpan {
+    const Point* data = nullptr;
+    std::size_t count = 0;
+
+    std::size_t size() const { return count; }
+    Point operator[](std::size_t i) const { return data[i]; }
+};
+
+void Emit(Builder& builder, const std::vector<Point>& points, Point direction, bool closed)
 {
-    if (dash.points.size() == 1) {
-        builder.dot(dash.points[0], dash.direction);
-    } else if (!dash.points.empty()) {
-        builder.polyline(dash.points, dash.closed);
+    if (points.size() == 1) {
+        builder.dot(points[0], direction);
+    } else if (points.size() > 1) {
+        builder.polyline(PointSpan{points.data(), points.size()}, closed);
     }
 }
 
@@ -554,37 +565,39 @@ std::size_t DashBudget(StrokeMode mode)
 }
 
 // Leaves out the vertices of pieces that rounding flattened, keeping the
-// others in place and in their order. A few flat pieces in a long stroke are
-// the usual case, so the used vertices are a bit set small enough to stay
-// in cache, and only indices past the first unused vertex move, each by the
-// number of unused ones below it.
-void DropUnused(FillMesh& mesh)
+// others in place and in their order; `used` has a bit per vertex and
+// `indicesBefore` where the indices of each 64 vertices can start. A few
+// flat pieces in a long stroke are the usual case: only vertices past the
+// first unused one move, only indices made after it change, and an index
+// drops by the unused vertices below it, counted per word beforehand.
+void DropUnused(FillMesh& mesh, const std::vector<uint64_t>& used, const std::vector<std::size_t>& indicesBefore)
 {
     const std::size_t n = mesh.vertices.size();
-    std::vector<uint64_t> used((n + 63) / 64, 0);
-    for (uint32_t index : mesh.indices) {
-        used[index / 64] |= uint64_t{1} << (index % 64);
-    }
-    std::vector<uint32_t> unused;
+    std::vector<uint32_t> below(used.size() + 1, 0);
+    std::size_t first = n;
     for (std::size_t w = 0; w < used.size(); ++w) {
         const uint64_t all = w + 1 < used.size() || n % 64 == 0 ? ~uint64_t{0} : (uint64_t{1} << (n % 64)) - 1;
-        for (uint64_t missing = ~used[w] & all; missing != 0; missing &= missing - 1) {
-            unused.push_back(uint32_t(w * 64 + std::size_t(__builtin_ctzll(missing))));
+        const uint64_t missing = ~used[w] & all;
+        below[w + 1] = below[w] + uint32_t(__builtin_popcountll(missing));
+        if (missing != 0 && first == n) {
+            first = w * 64 + std::size_t(__builtin_ctzll(missing));
         }
     }
-    if (unused.empty()) {
+    if (first == n) {
         return;
     }
-    std::size_t kept = unused[0];
-    for (std::size_t i = unused[0]; i < n; ++i) {
+    std::size_t kept = first;
+    for (std::size_t i = first; i < n; ++i) {
         if (used[i / 64] >> (i % 64) & 1u) {
             mesh.vertices[kept++] = mesh.vertices[i];
         }
     }
     mesh.vertices.resize(kept);
-    for (uint32_t& index : mesh.indices) {
-        if (index > unused[0]) {
-            index -= uint32_t(std::upper_bound(unused.begin(), unused.end(), index) - unused.begin());
+    for (auto it = mesh.indices.begin() + std::ptrdiff_t(indicesBefore[first / 64]); it != mesh.indices.end(); ++it) {
+        uint32_t& index = *it;
+        if (index > first) {
+            const uint64_t missing = ~used[index / 64] & ((uint64_t{1} << (index % 64)) - 1);
+            index -= below[index / 64] + (missing != 0 ? uint32_t(__builtin_popcountll(missing)) : 0u);
         }
     }
 }
@@ -663,6 +676,8 @@ bool Stroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& sty
     }
 
     bool dropped = true;
+    std::vector<uint64_t> used;
+    std::vector<std::size_t> indicesBefore;
     for (int attempt = 0; attempt < 2; ++attempt) {
         Builder builder(style, radius, limit, transform, steps);
         // The caller's storage is reused, so that stroking again into the
@@ -677,8 +692,10 @@ bool Stroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& sty
             builder.mesh().indices.reserve(12 * pointCount + 24);
         }
         std::size_t budget = DashBudget(style.mode);
-        std::vector<impl::Dash> dashes;
-        std::vector<Point> scratch;
+        impl::DashBuffers dashBuffers;
+        const auto emit = [&builder](const std::vector<Point>& points, Point direction, bool closed) {
+            Emit(builder, points, direction, closed);
+        };
         bool restart = false;
         for (std::size_t i = 0; i < subpaths.size() && !restart; ++i) {
             const Subpath& subpath = subpaths[i];
@@ -700,15 +717,14 @@ bool Stroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& sty
                 }
                 continue;
             }
-            dashes.clear();
-            if (!impl::CutDashes(Points(subpath, scratch), subpath.closed, pattern, budget, dashes)) {
+            const bool cut = subpath.copied
+                                 ? impl::CutDashes(subpath.copy, subpath.closed, pattern, budget, dashBuffers, emit)
+                                 : impl::CutDashes(subpath.view, subpath.closed, pattern, budget, dashBuffers, emit);
+            if (!cut) {
                 // Too fine to draw: stroke the whole call solid instead.
                 dashed = false;
                 restart = true;
                 break;
-            }
-            for (const impl::Dash& dash : dashes) {
-                Emit(builder, dash);
             }
             if (builder.overflowed() || builder.tooManyVertices()) {
                 break;
@@ -731,6 +747,8 @@ bool Stroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& sty
             return impl::UnitePieces(rings, mesh, error);
         }
         dropped = builder.dropped();
+        used = std::move(builder.used());
+        indicesBefore = std::move(builder.indicesBefore());
         mesh = std::move(builder.mesh());
         break;
     }
@@ -739,7 +757,7 @@ bool Stroke(const std::vector<StrokePolyline>& polylines, const StrokeStyle& sty
         return true;
     }
 
-    DropUnused(mesh);
+    DropUnused(mesh, used, indicesBefore);
     return true;
 }
 

@@ -20,7 +20,13 @@ inline bool operator==(Point a, Point b) { return a.x == b.x && a.y == b.y; }
 inline bool operator!=(Point a, Point b) { return !(a == b); }
 inline double Dot(Point a, Point b) { return a.x * b.x + a.y * b.y; }
 inline double Cross(Point a, Point b) { return a.x * b.y - a.y * b.x; }
-inline double Length(Point a) { return std::hypot(a.x, a.y); }
+// Squares of float-sized values stay well inside double's range, so the
+// square root is exact enough and far cheaper than hypot, kept for the rest.
+inline double Length(Point a)
+{
+    const double squared = a.x * a.x + a.y * a.y;
+    return squared > 1e-290 && squared < 1e290 ? std::sqrt(squared) : std::hypot(a.x, a.y);
+}
 // The left normal in x-right, y-up terms.
 inline Point Normal(Point a) { return {-a.y, a.x}; }
 inline Point Lerp(Point a, Point b, double t) { return {a.x + (b.x - a.x) * t, a.y + (b.y - a.y) * t}; }

@@ -130,10 +130,20 @@ inline std::vector<int> CoverCounts(const vk::svg::FillMesh& mesh, const std::ve
     return counts;
 }
 
-// Indices in range, finite vertices, every triangle of positive area.
+// Indices in range, finite vertices each used, every triangle of positive
+// area.
 inline bool WellFormed(const vk::svg::FillMesh& mesh)
 {
     if (mesh.indices.size() % 3 != 0) {
+        return false;
+    }
+    std::vector<bool> used(mesh.vertices.size(), false);
+    for (std::uint32_t index : mesh.indices) {
+        if (index < used.size()) {
+            used[index] = true;
+        }
+    }
+    if (std::find(used.begin(), used.end(), false) != used.end()) {
         return false;
     }
     for (const V2& v : mesh.vertices) {

@@ -315,6 +315,27 @@ TEST(StrokeFastMode, TwoTrianglesPerStraightSegment)
     EXPECT_EQ(Stroke({Line(line)}, style).indices.size(), 3u * 2u * 100u);
 }
 
+// Far from the origin a float step is coarser than a thin stroke: its
+// pieces round flat, and their vertices must leave the mesh with them while
+// the rest keeps its shape, whichever comes first.
+TEST(StrokeFastMode, PiecesRoundedFlatLeaveNoVertexBehind)
+{
+    const StrokePolyline nearby = Line({V2(0, 0), V2(10, 0), V2(10, 10)});
+    const StrokePolyline far = Line({V2(1e7f, 0), V2(1e7f + 64, 0), V2(1e7f + 64, 64)});
+    for (const StrokeJoin join : {StrokeJoin::Miter, StrokeJoin::Bevel, StrokeJoin::Round}) {
+        StrokeStyle style;
+        style.width = 0.01f;
+        style.join = join;
+        for (const auto& polylines :
+             {std::vector<StrokePolyline>{far, nearby}, std::vector<StrokePolyline>{nearby, far}}) {
+            const FillMesh mesh = Stroke(polylines, style);
+            // The far polyline's vertical leg is flat; its horizontal one
+            // lies near y = 0, where floats are fine enough.
+            EXPECT_NEAR(MeshArea(mesh), (20.0 + 64.0) * 0.01, 1e-3) << int(join);
+        }
+    }
+}
+
 TEST(StrokeBadInput, ClearResults)
 {
     struct Case {
