@@ -27,10 +27,12 @@
 //    crossings can leave a vertex a fraction of a unit beside an edge it
 //    touched; the sweep cuts the edge there too.
 //
-// The sweep's status is a balanced tree whose nodes hold what the sweep
-// reads of an active edge (end points, winding number, the area right of
-// it), one cache line each from a pool, and an edge that continues another
-// takes over its node.
+// The sweep's status (SweepStatus.h) is a red-black tree threaded by
+// neighbour links whose nodes hold what the sweep reads of an active edge
+// (end points, winding number, the area right of it), one cache line each;
+// an edge that continues another takes over its node, new edges go where
+// the sweep already knows they belong, and only a vertex that starts edges
+// without ending any searches the tree.
 //
 // O(n log n) without crossings. Limits: detail finer than the float spacing
 // at the largest coordinate is snapped away; with crossings, finding them
